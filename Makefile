@@ -1,0 +1,50 @@
+# A thin front over the CMake presets; see README.md and CONTRIBUTING.md.
+JOBS ?= $(shell nproc)
+SECONDS ?= 60
+
+.PHONY: all setup dll demo test bench fuzz format check-format clean
+all: dll
+
+setup:
+	@cmake/setup.sh build test
+
+build/dll/build.ninja:
+	@cmake/setup.sh build test
+	@cmake --preset dll
+
+build/core-asan/build.ninja:
+	@cmake/setup.sh build test
+	@cmake --preset core-asan
+
+dll: setup build/dll/build.ninja
+	@cmake --build --preset dll -j $(JOBS)
+
+demo: dll
+	@samples/demo.sh
+
+# One closing line for both halves: ctest runs the two build trees as one.
+test: dll build/core-asan/build.ninja
+	@cmake --build --preset core-asan -j $(JOBS)
+	@cmake/run-wine.sh --prefix
+	@mkdir -p build/test
+	@printf 'subdirs("%s" "%s")\n' "$(CURDIR)/build/core-asan" "$(CURDIR)/build/dll" >build/test/CTestTestfile.cmake
+	@ctest --test-dir build/test --output-on-failure -j $(JOBS)
+
+bench: dll
+	@bench/run.sh
+
+fuzz:
+	@cmake/setup.sh build fuzz
+	@cmake --preset fuzz
+	@cmake --build --preset fuzz -j $(JOBS)
+	@fuzz/run.sh $(SECONDS)
+
+SOURCES = $(shell git ls-files -co --exclude-standard '*.cpp' '*.h' '*.c')
+format:
+	@clang-format -i $(SOURCES)
+
+check-format:
+	@clang-format --dry-run -Werror $(SOURCES)
+
+clean:
+	@rm -rf build

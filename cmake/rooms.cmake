@@ -1,0 +1,40 @@
+# bvutil_room(CORE file... PLATFORM file... LIBRARIES lib...)
+#   CORE files compile without windows.h: into the DLL, and natively for sanitizers and fuzzers.
+#   PLATFORM files and LIBRARIES (Windows import libraries) go into the DLL only.
+function(bvutil_room)
+    cmake_parse_arguments(room "" "" "CORE;PLATFORM;LIBRARIES" ${ARGN})
+    if(room_CORE)
+        list(TRANSFORM room_CORE PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
+        target_sources(bvutil_core PRIVATE ${room_CORE})
+    endif()
+    if(WIN32)
+        list(TRANSFORM room_PLATFORM PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
+        target_sources(BvUtil PRIVATE ${room_PLATFORM})
+        target_link_libraries(BvUtil PRIVATE ${room_LIBRARIES})
+    endif()
+endfunction()
+
+# bvutil_tests(ROOM DLL file... CORE file... LIBRARIES lib...)
+#   DLL files become ROOM_tests.exe, linked to the real DLL and run under Wine.
+#   CORE files become ROOM_core_tests, linked to the core alone and run natively.
+function(bvutil_tests room)
+    cmake_parse_arguments(tests "" "" "DLL;CORE;LIBRARIES" ${ARGN})
+    if(WIN32 AND tests_DLL)
+        add_executable(${room}_tests ${tests_DLL})
+        target_link_libraries(${room}_tests PRIVATE bvutil_test_support BvUtil bvutil_flags ${tests_LIBRARIES})
+        add_test(NAME ${room} COMMAND ${room}_tests)
+        set_tests_properties(${room} PROPERTIES TIMEOUT 600)
+    elseif(NOT WIN32 AND tests_CORE)
+        add_executable(${room}_core_tests ${tests_CORE})
+        target_link_libraries(${room}_core_tests PRIVATE bvutil_core bvutil_test_support)
+        add_test(NAME ${room}_core COMMAND ${room}_core_tests)
+        set_tests_properties(${room}_core PROPERTIES TIMEOUT 600)
+    endif()
+endfunction()
+
+# bvutil_fuzz(NAME file...): a libFuzzer program over the core; its seeds are in fuzz/corpus/NAME.
+function(bvutil_fuzz name)
+    add_executable(fuzz_${name} ${ARGN})
+    target_link_libraries(fuzz_${name} PRIVATE bvutil_core bvutil_seams)
+    target_link_options(fuzz_${name} PRIVATE -fsanitize=fuzzer)
+endfunction()

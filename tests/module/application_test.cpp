@@ -1,0 +1,110 @@
+// The application object: start, stop and resources.
+#include "module/resource.h"
+#include "tests/support/temp_dir.h"
+
+#include <gtest/gtest.h>
+
+#include <objbase.h>
+#include <string>
+#include <vector>
+#include <windows.h>
+
+namespace {
+
+TEST(Resources, HoldTheFiveTextsInTheAnsiCodePage) {
+    const HMODULE dll = GetModuleHandleA("BvUtil.dll");
+    ASSERT_NE(dll, nullptr);
+    const std::pair<UINT, const char*> expected[] = {
+        {IDS_NO_CALCULATOR, "Keine Verbindung zum Calculator(COM-Objekt)"},
+        {IDS_LOG_RENAMED, "Die Datei %s konnte nicht als aktuelle Logdatei ge\xF6"
+                          "ffnet werden. \n\nMeldungen werden in der Datei %s protokolliert!"},
+        {IDS_LOG_IMPOSSIBLE, "Es konnte keine Logdatei im Ausf\xFChrungsverzeichnis angelegt oder ge\xF6"
+                             "ffnet werden!"},
+        {IDS_NO_MAIN_INI, "Es konnte keine mb.ini (mb[1-9].ini) gefunden werden!"},
+        {IDS_NO_INI_ENTRY, "Sektion %s oder Eintrag %s in %s nicht gefunden!"},
+    };
+    ASSERT_EQ(GetACP(), 1252u);
+    for (const auto& [id, text] : expected) {
+        char loaded[512] = "";
+        LoadStringA(dll, id, loaded, sizeof loaded);
+        EXPECT_STREQ(loaded, text);
+    }
+}
+
+TEST(Resources, TellTheVersion) {
+    DWORD ignored = 0;
+    const DWORD size = GetFileVersionInfoSizeA("BvUtil.dll", &ignored);
+    ASSERT_GT(size, 0u);
+    std::vector<char> block(size);
+    ASSERT_TRUE(GetFileVersionInfoA("BvUtil.dll", 0, size, block.data()));
+    VS_FIXEDFILEINFO* info = nullptr;
+    UINT length = 0;
+    ASSERT_TRUE(VerQueryValueA(block.data(), "\\", reinterpret_cast<void**>(&info), &length));
+    EXPECT_EQ(HIWORD(info->dwFileVersionMS), 1);
+    EXPECT_EQ(info->dwFileType, static_cast<DWORD>(VFT_DLL));
+}
+
+// A copy under another name is a module of its own, so that it can be unloaded.
+class SecondCopy {
+  public:
+    SecondCopy() {
+        char path[MAX_PATH];
+        GetModuleFileNameA(GetModuleHandleA("BvUtil.dll"), path, MAX_PATH);
+        const std::string copy = m_dir.file("copy.dll");
+        CopyFileA(path, copy.c_str(), FALSE);
+        m_module = LoadLibraryA(copy.c_str());
+    }
+    ~SecondCopy() { unload(); }
+    void unload() {
+        if (m_module) FreeLibrary(m_module);
+        m_module = nullptr;
+    }
+    template <class Function>
+    Function* function(const char* name) const {
+        return reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(m_module, name)));
+    }
+    const TempDir& dir() const { return m_dir; }
+
+  private:
+    TempDir m_dir;
+    HMODULE m_module = nullptr;
+};
+
+struct ComStates {
+    HRESULT inside = E_FAIL;
+    HRESULT after = E_FAIL;
+};
+
+DWORD WINAPI probe_com(void* parameter) {
+    auto& states = *static_cast<ComStates*>(parameter);
+    SecondCopy copy;
+    states.inside = CoInitialize(nullptr);
+    CoUninitialize();
+    copy.unload();
+    states.after = CoInitialize(nullptr);
+    CoUninitialize();
+    return 0;
+}
+
+TEST(Application, InitialisesComForTheLoadingThreadAndTakesItBack) {
+    ComStates states;
+    const HANDLE thread = CreateThread(nullptr, 0, probe_com, &states, 0, nullptr);
+    WaitForSingleObject(thread, INFINITE);
+    CloseHandle(thread);
+    EXPECT_EQ(states.inside, S_FALSE) << "it was initialised already";
+    EXPECT_EQ(states.after, S_OK);
+}
+
+TEST(Application, ClosesAnOpenLogWhenUnloaded) {
+    SecondCopy copy;
+    const std::string log = copy.dir().file("log.txt");
+    copy.function<void(int, const char*, int)>("BvUtil_SetWriteToLogfile")(1, log.c_str(), 0);
+    copy.function<void(const char*, const char*, const char*, const char*, int)>("BvUtil_Message")(
+        "last ", "words", nullptr, "here", 7);
+    EXPECT_FALSE(DeleteFileA(log.c_str())) << "the log is open";
+    copy.unload();
+    EXPECT_NE(read_file(log).find(":: last words in \"here\" line 7"), std::string::npos);
+    EXPECT_TRUE(DeleteFileA(log.c_str()));
+}
+
+} // namespace

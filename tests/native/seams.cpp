@@ -1,0 +1,45 @@
+#include "tests/native/seams.h"
+
+#include "bvutil/messages.h"
+#include "module/multibyte.h"
+
+#include <utility>
+
+namespace {
+std::vector<std::string> messages;
+bool double_byte = false;
+} // namespace
+
+namespace seams {
+
+std::vector<std::string> take_messages() {
+    return std::exchange(messages, {});
+}
+
+double_byte_code_page::double_byte_code_page() {
+    double_byte = true;
+}
+double_byte_code_page::~double_byte_code_page() {
+    double_byte = false;
+}
+
+} // namespace seams
+
+namespace multibyte {
+
+bool active() {
+    return double_byte;
+}
+
+bool is_lead_byte(unsigned char byte) {
+    return double_byte && ((byte >= 0x81 && byte <= 0x9F) || (byte >= 0xE0 && byte <= 0xFC));
+}
+
+} // namespace multibyte
+
+extern "C" void BvUtil_Message(const char* text1, const char* text2, const char* text3, const char*, int) {
+    std::string text;
+    for (const char* part : {text1, text2, text3})
+        if (part) text += part;
+    messages.push_back(std::move(text));
+}

@@ -1,0 +1,22 @@
+// The two seams between the core and the platform, as tests see them natively: messages are recorded, and
+// the multibyte code page is a range of lead bytes.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace seams {
+
+// The texts given to BvUtil_Message since the last call, in order.
+std::vector<std::string> take_messages();
+
+// Makes lead bytes as in code page 932 while it lives.
+class double_byte_code_page {
+  public:
+    double_byte_code_page();
+    ~double_byte_code_page();
+    double_byte_code_page(const double_byte_code_page&) = delete;
+    double_byte_code_page& operator=(const double_byte_code_page&) = delete;
+};
+
+} // namespace seams

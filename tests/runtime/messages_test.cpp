@@ -1,0 +1,94 @@
+// BvUtil_Message and the log file, with real boxes and files.
+#include "bvutil/messages.h"
+#include "tests/support/message_boxes.h"
+#include "tests/support/message_log.h"
+#include "tests/support/temp_dir.h"
+
+#include <gtest/gtest.h>
+
+#include <regex>
+#include <string>
+
+namespace {
+
+class Messages : public testing::Test {
+  protected:
+    ~Messages() override { BvUtil_SetWriteToLogfile(0, nullptr, 0); }
+
+    TempDir dir;
+    MessageBoxWatcher boxes;
+};
+
+TEST_F(Messages, GoToABoxTitledWithTheSource) {
+    BvUtil_Message("one ", nullptr, "three", "Unit", 12);
+    BvUtil_Message(nullptr, nullptr, nullptr, nullptr, 5);
+    const auto shown = boxes.take();
+    ASSERT_EQ(shown.size(), 2u);
+    EXPECT_EQ(shown[0].caption, "MESSAGE in \"Unit\" line 12:");
+    EXPECT_EQ(shown[0].text, "one three");
+    EXPECT_FALSE(shown[0].has_icon);
+    EXPECT_EQ(shown[1].caption, "MESSAGE");
+    EXPECT_EQ(shown[1].text, "");
+}
+
+TEST_F(Messages, GoToTheLogWhenItIsOpen) {
+    const std::string log = dir.file("log.txt");
+    write_file(log, "old\r\n");
+    BvUtil_SetWriteToLogfile(1, log.c_str(), 1);
+    EXPECT_EQ(BvUtil_GetWriteToLogfile(), 1);
+    BvUtil_Message("a", "b", "c", "Unit", -3);
+    BvUtil_Message("50% %s", nullptr, nullptr, nullptr, 0);
+    // Every line is on disk at once, and switching on again keeps the stream.
+    BvUtil_SetWriteToLogfile(1, dir.file("other.txt").c_str(), 0);
+    const std::string text = read_file(log);
+    EXPECT_TRUE(
+        std::regex_match(text, std::regex("old\r\n"
+                                          "[A-Z][a-z]+ \\d\\d, \\d{4}, \\d\\d:\\d\\d :: abc in \"Unit\" "
+                                          "line -3\r\n"
+                                          ".* :: 50% %s in \"\" line 0\r\n")))
+        << text;
+    EXPECT_FALSE(std::filesystem::exists(dir.file("other.txt")));
+    EXPECT_TRUE(boxes.take().empty());
+
+    BvUtil_SetWriteToLogfile(0, nullptr, 0);
+    EXPECT_EQ(BvUtil_GetWriteToLogfile(), 0);
+    BvUtil_SetWriteToLogfile(1, log.c_str(), 0);
+    EXPECT_EQ(read_file(log), "") << "without append the file is overwritten";
+}
+
+TEST_F(Messages, GoToBoxesWhenLoggingHasNoFile) {
+    BvUtil_SetWriteToLogfile(1, nullptr, 0);
+    EXPECT_EQ(BvUtil_GetWriteToLogfile(), 1);
+    BvUtil_Message("x", nullptr, nullptr, nullptr, 0);
+    EXPECT_EQ(boxes.take().size(), 1u);
+}
+
+TEST_F(Messages, TakeAnAlternativeLogName) {
+    const std::string log = dir.file("log.txt");
+    std::filesystem::create_directory(log); // a folder cannot be opened as a log
+    std::filesystem::create_directory(log + "_1");
+    write_file(log + "_2", "old");
+    BvUtil_SetWriteToLogfile(1, log.c_str(), 1);
+    const auto shown = boxes.take();
+    ASSERT_EQ(shown.size(), 1u);
+    EXPECT_EQ(shown[0].text, "Die Datei " + log +
+                                 " konnte nicht als aktuelle Logdatei ge\xF6"
+                                 "ffnet werden. \n\nMeldungen werden in der Datei " +
+                                 log + "_2 protokolliert!");
+    BvUtil_Message("kept", nullptr, nullptr, nullptr, 1);
+    EXPECT_NE(read_file(log + "_2").find("kept"), std::string::npos);
+    EXPECT_EQ(read_file(log + "_2").find("old"), std::string::npos) << "alternatives are overwritten";
+}
+
+TEST_F(Messages, SwitchLoggingOffWhenNoLogCanBeOpened) {
+    BvUtil_SetWriteToLogfile(1, (dir.path() + "\\missing\\log.txt").c_str(), 0);
+    const auto shown = boxes.take();
+    ASSERT_EQ(shown.size(), 1u);
+    EXPECT_EQ(shown[0].text, "Es konnte keine Logdatei im Ausf\xFChrungsverzeichnis angelegt oder ge\xF6"
+                             "ffnet werden!");
+    EXPECT_EQ(BvUtil_GetWriteToLogfile(), 0);
+    BvUtil_Message("x", nullptr, nullptr, nullptr, 0);
+    EXPECT_EQ(boxes.take().size(), 1u);
+}
+
+} // namespace

@@ -1,0 +1,36 @@
+// bvutil: BvUtil's services from the command line.
+#include "tools/bvutil/commands.h"
+#include "tools/bvutil/console.h"
+
+#include <CLI/CLI.hpp>
+#include <exception>
+#include <fcntl.h>
+#include <io.h>
+#include <windows.h>
+
+int main(int argc, char** argv) {
+    SetConsoleOutputCP(CP_UTF8);
+    // Output is written as it is, so that what is piped or redirected has the same bytes everywhere.
+    _setmode(_fileno(stdout), _O_BINARY);
+    _setmode(_fileno(stderr), _O_BINARY);
+
+    CLI::App app("Settings files, profiles, pictures, filters and geometry with BvUtil.", "bvutil");
+    app.set_version_flag("--version", "bvutil 1.0.0");
+    app.require_subcommand(1);
+    app.footer("Exit codes: 0 done, 1 not found, 2 bad input, 3 file cannot be read or written,\n"
+               "4 failed, 64 wrong command line.");
+
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        const int code = app.exit(error);
+        return code == 0 ? exit_done : exit_usage;
+    } catch (const CommandFailed& failure) {
+        print_error(failure.what());
+        return failure.code();
+    } catch (const std::exception& error) {
+        print_error(error.what());
+        return exit_failed;
+    }
+    return exit_done;
+}
