@@ -24,4 +24,8 @@ bool is_lead_byte(unsigned char byte) {
     return _ismbblead(byte) != 0;
 }
 
+unsigned lower_case(unsigned character) {
+    return _mbctolower(character);
+}
+
 } // namespace multibyte

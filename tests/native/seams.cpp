@@ -35,6 +35,12 @@ bool is_lead_byte(unsigned char byte) {
     return double_byte && ((byte >= 0x81 && byte <= 0x9F) || (byte >= 0xE0 && byte <= 0xFC));
 }
 
+unsigned lower_case(unsigned character) {
+    if (character >= 'A' && character <= 'Z') return character + ('a' - 'A');
+    if (double_byte && character >= 0x8260 && character <= 0x8279) return character + 0x21; // full-width
+    return character;
+}
+
 } // namespace multibyte
 
 extern "C" void BvUtil_Message(const char* text1, const char* text2, const char* text3, const char*, int) {
