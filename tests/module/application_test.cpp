@@ -11,9 +11,11 @@
 
 namespace {
 
+// Nothing here calls the library by name: without this the program would start without it.
+const HMODULE the_library = LoadLibraryA("BvUtil.dll");
+
 TEST(Resources, HoldTheFiveTextsInTheAnsiCodePage) {
-    const HMODULE dll = GetModuleHandleA("BvUtil.dll");
-    ASSERT_NE(dll, nullptr);
+    ASSERT_NE(the_library, nullptr);
     const std::pair<UINT, const char*> expected[] = {
         {IDS_NO_CALCULATOR, "Keine Verbindung zum Calculator(COM-Objekt)"},
         {IDS_LOG_RENAMED, "Die Datei %s konnte nicht als aktuelle Logdatei ge\xF6"
@@ -26,7 +28,7 @@ TEST(Resources, HoldTheFiveTextsInTheAnsiCodePage) {
     ASSERT_EQ(GetACP(), 1252u);
     for (const auto& [id, text] : expected) {
         char loaded[512] = "";
-        LoadStringA(dll, id, loaded, sizeof loaded);
+        LoadStringA(the_library, id, loaded, sizeof loaded);
         EXPECT_STREQ(loaded, text);
     }
 }
@@ -49,7 +51,7 @@ class SecondCopy {
   public:
     SecondCopy() {
         char path[MAX_PATH];
-        GetModuleFileNameA(GetModuleHandleA("BvUtil.dll"), path, MAX_PATH);
+        GetModuleFileNameA(the_library, path, MAX_PATH);
         const std::string copy = m_dir.file("copy.dll");
         CopyFileA(path, copy.c_str(), FALSE);
         m_module = LoadLibraryA(copy.c_str());
