@@ -1,0 +1,58 @@
+#include "bvutil/filter_host.h"
+
+#include "filterhost/ps_filter.h"
+#include "module/guarded.h"
+
+#include <cstring>
+#include <new>
+
+namespace {
+
+constexpr int open_failed = -1;
+constexpr unsigned delete_memory = 1;
+
+void close(PSFilter_*& filter) {
+    if (filter) filter->destroy(delete_memory);
+    filter = nullptr;
+}
+
+// Opens the plug-in; the texts receive the object's own arrays. The code is 0 or `open_failed`.
+int open(const char* file_name, PSFilter_*& filter, char*& category, char*& name) {
+    int error = open_failed;
+    filter = new (std::nothrow) PSFilter_(file_name, &category, &name, &error);
+    return category || name ? error : open_failed;
+}
+
+void release(char** text) {
+    if (!text) return;
+    std::free(*text);
+    *text = nullptr;
+}
+
+} // namespace
+
+extern "C" BvUtilBool BVUTIL_CALL AVGetPSFilterAndInfo(const char* fileName, char** category, char** name,
+                                                       PSFilter_** filter, int* error) {
+    if (!filter) return 0;
+    char* own_category = nullptr;
+    char* own_name = nullptr;
+    *filter = nullptr;
+    const int code = guarded(open_failed, [&] { return open(fileName, *filter, own_category, own_name); });
+    if (error) *error = code;
+    const bool success = code >= 0;
+    if (category) *category = success ? _strdup(own_category) : nullptr;
+    if (name) *name = success ? _strdup(own_name) : nullptr;
+    if (!success) close(*filter);
+    return success;
+}
+
+extern "C" BvUtilBool BVUTIL_CALL AVFreeGotPSFilterInfo(char** category, char** name) {
+    release(category);
+    release(name);
+    return 1;
+}
+
+extern "C" BvUtilBool BVUTIL_CALL AVFreeGotPSFilter(PSFilter_** filter) {
+    if (filter) close(*filter);
+    return 1;
+}
