@@ -339,11 +339,12 @@ BVUTIL_API EnvStatus BVUTIL_CALL env_traverse_leafs(EnvHandle env, EnvVisit call
 BVUTIL_API EnvStatus BVUTIL_CALL env_list_elem_names(EnvHandle env, const char* section, const char* path,
                                                      int exact, char separator, long buf_size, char* buf);
 
-/** Copies the data leaves of @p src into @p dst; externals are passed over.
+/** Copies the data leaves of @p src into @p dst, in the order of env_traverse_leafs(); externals are passed
+ * over.
  *  @param mode  0: only what @p dst does not have; 1: each as a further occurrence; 2: always, overwriting;
  * 3: only what @p dst has.
- *  @return 0; #ENV_INVALID when any copy failed, as it does for texts of 255 bytes and more; the others are
- *          copied all the same. */
+ *  @return 0; #ENV_INVALID when a copy failed, as it does for texts of 255 bytes and more (what came before
+ * is copied, what comes behind is passed over), and when there is nothing to walk over. */
 BVUTIL_API EnvStatus BVUTIL_CALL env_sink(EnvHandle dst, EnvHandle src, int mode);
 
 /** Copies the block at the exact (section, path) of @p src to the same place of @p dst, as env_sink().

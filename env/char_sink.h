@@ -1,0 +1,56 @@
+// Where the writer's text goes; see writer.h for what a sink offers.
+#pragma once
+
+#include "bvutil/env.h"
+
+#include <cstddef>
+#include <cstdio>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace env {
+
+// A caller's callback. Lines are gathered first: the callback may change the text being written.
+class CallbackSink {
+  public:
+    static constexpr bool calls_out = true;
+
+    CallbackSink(EnvWriteChar write_char, void* sink) : m_write_char(write_char), m_sink(sink) {}
+    void text(std::string_view text) { m_line += text; }
+    void spaces(std::size_t count) { m_line.append(count, ' '); }
+    void fold_line() { m_line += '\n'; }
+    void end_line();
+
+  private:
+    EnvWriteChar m_write_char;
+    void* m_sink;
+    std::string m_line;
+};
+
+// A file in text mode: line feeds get their carriage return here. Bytes 0xFF are left out: the reader takes
+// one for the end of the file. Errors are not told.
+class FileSink {
+  public:
+    static constexpr bool calls_out = false;
+
+    explicit FileSink(std::FILE* file);
+    ~FileSink() { flush(); }
+    FileSink(const FileSink&) = delete;
+    FileSink& operator=(const FileSink&) = delete;
+
+    void text(std::string_view text);
+    void spaces(std::size_t count);
+    void fold_line() { put("\r\n"); }
+    void end_line() { put("\r\n"); }
+
+  private:
+    void put(std::string_view bytes);
+    void flush();
+
+    std::FILE* m_file;
+    std::vector<char> m_buffer;
+    std::size_t m_length = 0;
+};
+
+} // namespace env

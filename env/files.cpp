@@ -1,0 +1,86 @@
+#include "env/files.h"
+
+#include "env/char_sink.h"
+#include "env/char_source.h"
+#include "env/handle.h"
+#include "env/reader.h"
+#include "env/report.h"
+#include "env/writer.h"
+
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace env {
+
+namespace {
+
+struct CloseFile {
+    void operator()(std::FILE* file) const noexcept { std::fclose(file); }
+};
+using File = std::unique_ptr<std::FILE, CloseFile>;
+
+// All bytes of a file; what cannot be read ends it.
+std::vector<char> read_all(std::FILE* file) {
+    constexpr std::size_t first_step = 64 * 1024;
+    std::vector<char> bytes;
+    std::size_t length = 0;
+    std::setvbuf(file, nullptr, _IONBF, 0); // the steps are large enough
+    do {
+        bytes.resize(bytes.empty() ? first_step : bytes.size() * 2);
+        length += std::fread(bytes.data() + length, 1, bytes.size() - length, file);
+    } while (length == bytes.size());
+    bytes.resize(length);
+    return bytes;
+}
+
+template <class Source>
+EnvStatus read_sections(Source source, EnvHandle env) {
+    return Reader(source, env->tree()).read();
+}
+
+bool refuse_sub(EnvHandle env, const char* message) {
+    if (env->is_sub()) report(message);
+    return env->is_sub();
+}
+
+} // namespace
+
+EnvStatus read_from(EnvReadChar read_char, void* source, EnvHandle env) {
+    if (refuse_sub(env, "can not read subenv")) return ENV_INVALID;
+    const Busy reading(env);
+    env->tree().clear();
+    return read_sections(CallbackSource(read_char, source), env);
+}
+
+EnvStatus read_from_file(const char* file_name, EnvHandle env) {
+    const File file(std::fopen(file_name, "rb"));
+    if (!file) {
+        report(("cann't open to read: " + std::string(file_name)).c_str());
+        return ENV_INVALID;
+    }
+    if (refuse_sub(env, "can not read subenv")) return ENV_INVALID;
+    std::vector<char> bytes = read_all(file.get());
+    env->tree().clear();
+    return read_sections(BufferSource({bytes.data(), clean_text(bytes.data(), bytes.size())}), env);
+}
+
+void write_to(EnvWriteChar write_char, void* sink, EnvHandle env) {
+    if (refuse_sub(env, "can not write subenv")) return;
+    const Busy writing(env);
+    CallbackSink characters(write_char, sink);
+    Writer(characters, env->tree()).write();
+}
+
+void write_to_file(const char* file_name, EnvHandle env) {
+    const File file(std::fopen(file_name, "wb"));
+    if (!file) {
+        report("cann't open to write:"); // kept: the name is not told
+        return;
+    }
+    FileSink characters(file.get());
+    if (!refuse_sub(env, "can not write subenv")) Writer(characters, env->tree()).write();
+}
+
+} // namespace env

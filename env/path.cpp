@@ -1,0 +1,125 @@
+#include "env/path.h"
+
+#include "module/multibyte.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstring>
+#include <limits>
+
+namespace env {
+
+namespace {
+
+bool is_number(std::string_view token) {
+    return std::all_of(token.begin(), token.end(), [](char c) { return c >= '0' && c <= '9'; });
+}
+
+// As the C library converts: too large a number becomes the largest.
+long to_occurrence(std::string_view digits) {
+    long number = std::numeric_limits<long>::max();
+    std::from_chars(digits.data(), digits.data() + digits.size(), number);
+    return number;
+}
+
+} // namespace
+
+Delimiter& delimiter() {
+    static Delimiter the_delimiter;
+    return the_delimiter;
+}
+
+void Delimiter::set(std::string_view text) {
+    m_length = std::min(text.size(), capacity - 1);
+    std::memmove(m_text, text.data(), m_length);
+    m_text[m_length] = '\0';
+}
+
+std::string_view Delimiter::joint() const {
+    return {m_text, multibyte::character_length({m_text, m_length})};
+}
+
+std::size_t Delimiter::separator_length(std::string_view text) const {
+    const std::size_t length = multibyte::character_length(text);
+    std::size_t found = 0;
+    multibyte::for_each_character({m_text, m_length}, [&](std::size_t at, std::size_t own_length) {
+        if (std::string_view(m_text + at, own_length) == text.substr(0, length)) found = length;
+        return found == 0;
+    });
+    return found;
+}
+
+std::size_t Delimiter::find(std::string_view text) const {
+    if (!multibyte::active())
+        return m_length == 1 ? text.find(m_text[0]) : text.find_first_of(std::string_view(m_text, m_length));
+    std::size_t found = std::string_view::npos;
+    multibyte::for_each_character(text, [&](std::size_t at, std::size_t) {
+        if (separator_length(text.substr(at)) > 0) found = at;
+        return found == std::string_view::npos;
+    });
+    return found;
+}
+
+std::size_t Delimiter::find_last_joint(std::string_view text) const {
+    if (!multibyte::active()) return text.rfind(m_text[0]);
+    std::size_t found = std::string_view::npos;
+    multibyte::for_each_character(text, [&](std::size_t at, std::size_t length) {
+        if (text.substr(at, length) == joint()) found = at;
+        return true;
+    });
+    return found;
+}
+
+PathReader::PathReader(std::string_view path) : m_rest(path) {
+    read_token();
+}
+
+void PathReader::read_token() {
+    const Delimiter& separators = delimiter();
+    while (!m_rest.empty()) {
+        const std::size_t end = std::min(separators.find(m_rest), m_rest.size());
+        m_token = m_rest.substr(0, end);
+        m_rest.remove_prefix(end);
+        if (!m_rest.empty()) m_rest.remove_prefix(separators.separator_length(m_rest));
+        if (!m_token.empty()) return;
+    }
+    m_token = {};
+}
+
+Component PathReader::next() {
+    Component component{m_token};
+    read_token();
+    if (!m_token.empty() && is_number(m_token)) {
+        component.occurrence = to_occurrence(m_token);
+        read_token();
+    }
+    return component;
+}
+
+PathWriter::PathWriter(char* buffer, std::size_t size) : m_buffer(buffer), m_size(size) {
+    m_buffer[0] = '\0';
+}
+
+bool PathWriter::add(std::string_view component) {
+    const std::string_view joint = m_empty ? std::string_view{} : delimiter().joint();
+    // Compared so that no sum can wrap.
+    const std::size_t room = m_size - m_length;
+    if (joint.size() + 1 > room || component.size() > room - joint.size() - 1) {
+        m_buffer[0] = '\0';
+        return false;
+    }
+    std::memcpy(m_buffer + m_length, joint.data(), joint.size());
+    m_length += joint.size();
+    std::memcpy(m_buffer + m_length, component.data(), component.size());
+    m_length += component.size();
+    m_buffer[m_length] = '\0';
+    m_empty = false;
+    return true;
+}
+
+std::string_view last_component(std::string_view path) {
+    const std::size_t joint = delimiter().find_last_joint(path);
+    return joint == std::string_view::npos ? path : path.substr(joint + delimiter().joint().size());
+}
+
+} // namespace env

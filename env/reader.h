@@ -1,0 +1,135 @@
+// The grammar of environment texts:
+//
+//   file     = skipped text before the first "[", { section }
+//   section  = "[" name up to "]", { element }
+//   element  = name up to "=", "=", value
+//   value    = "{" { element } "}"  |  text up to the end of the line
+#pragma once
+
+#include "bvutil/env.h"
+#include "env/char_source.h"
+#include "env/report.h"
+#include "env/tree.h"
+
+#include <string>
+#include <string_view>
+
+namespace env {
+
+template <class Source>
+class Reader {
+  public:
+    Reader(Source& source, Tree& tree) : m_in(source), m_tree(tree) {}
+
+    // Appends the sections read to the tree's top level. After an error the section being read is dropped.
+    EnvStatus read() {
+        m_in.take_until('[', m_scratch);
+        while (m_in.peek() >= 0) {
+            if (m_in.peek() != '[') return syntax_error("Section waited");
+            m_in.advance();
+            if (const EnvStatus status = read_section(); status != ENV_OK) return status;
+        }
+        return ENV_OK;
+    }
+
+  private:
+    // A section under construction: dropped unless it is complete.
+    class Draft {
+      public:
+        Draft(Tree& tree, std::string_view name) : m_tree(tree), m_section(tree.create_block(name)) {}
+        ~Draft() {
+            if (m_section) m_tree.remove(m_section);
+        }
+        Draft(const Draft&) = delete;
+        Draft& operator=(const Draft&) = delete;
+        Element* get() const { return m_section; }
+        void append() {
+            m_tree.append(m_tree.top(), m_section);
+            m_section = nullptr;
+        }
+
+      private:
+        Tree& m_tree;
+        Element* m_section;
+    };
+
+    static bool is_blank(int c) { return c == ' ' || c == '\t'; }
+
+    static std::string_view trimmed(std::string_view text) {
+        while (!text.empty() && is_blank(text.back()))
+            text.remove_suffix(1);
+        return text;
+    }
+
+    static EnvStatus syntax_error(const char* message) {
+        report(message);
+        return ENV_SYNTAX;
+    }
+
+    void skip_blanks() {
+        while (is_blank(m_in.peek()))
+            m_in.advance();
+    }
+
+    void skip_white_space() {
+        while (is_blank(m_in.peek()) || m_in.peek() == '\n')
+            m_in.advance();
+    }
+
+    // Whether the token at hand is a name: any other ends a run of elements.
+    bool at_name() const {
+        const int c = m_in.peek();
+        return c >= 0 && c != '[' && c != '=' && c != '}';
+    }
+
+    EnvStatus read_section() {
+        skip_blanks();
+        Draft section(m_tree, trimmed(m_in.take_until(']', m_scratch)));
+        if (m_in.peek() >= 0) m_in.advance();
+        const EnvStatus status = read_elements(section.get());
+        if (status == ENV_OK) section.append();
+        return status;
+    }
+
+    // All elements of a section, blocks within blocks too: the tree itself is the stack.
+    EnvStatus read_elements(Element* section) {
+        Element* parent = section;
+        for (;;) {
+            skip_white_space();
+            if (at_name()) {
+                if (const EnvStatus status = read_element(parent); status != ENV_OK) return status;
+                continue;
+            }
+            if (parent == section) return ENV_OK;
+            if (m_in.peek() != '}') return syntax_error("Cbracesymbol waited");
+            m_in.advance();
+            parent = parent->list->owner;
+        }
+    }
+
+    // One element; a block becomes the parent of what follows.
+    EnvStatus read_element(Element*& parent) {
+        const std::string_view name = trimmed(m_in.take_until('=', m_scratch));
+        if (m_in.peek() != '=') return syntax_error("Equal sign waited");
+        m_in.advance();
+        skip_blanks();
+        if (m_in.peek() == '{') {
+            m_in.advance();
+            Element* const block = m_tree.create_block(name);
+            m_tree.append_child(parent, block);
+            parent = block;
+            return ENV_OK;
+        }
+        const std::string_view text = trimmed(m_in.take_until('\n', m_value_scratch));
+        if (m_in.peek() >= 0) m_in.advance();
+        m_tree.append_child(parent, m_tree.create_data(name, text));
+        return ENV_OK;
+    }
+
+    Source& m_in;
+    Tree& m_tree;
+    std::string m_scratch;
+    std::string m_value_scratch;
+};
+
+} // namespace env
