@@ -1,5 +1,5 @@
 /** @file
- *  All of BvUtil's C interface.
+ *  All of BvUtil's interface; the two classes for C++ only.
  */
 #ifndef BVUTIL_BVUTIL_H
 #define BVUTIL_BVUTIL_H
@@ -9,5 +9,9 @@
 #include "bvutil/filter_host.h"
 #include "bvutil/messages.h"
 #include "bvutil/strings.h"
+
+#ifdef __cplusplus
+#include "bvutil/ini_file.h"
+#endif
 
 #endif
