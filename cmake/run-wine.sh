@@ -21,6 +21,10 @@ if [ ! -e "$WINEPREFIX/.ready" ]; then
             wineboot -i >/dev/null 2>&1 9>&-
             wine reg add 'HKCU\Software\Wine\Drivers' /v Graphics /d null /f >/dev/null 2>&1 9>&-
             wine reg add 'HKCU\Software\Wine\WineDbg' /v ShowCrashDialog /t REG_DWORD /d 0 /f >/dev/null 2>&1 9>&-
+            # The desktop that was started with the prefix has the former driver still: it ends here, and
+            # the next program starts one that can show boxes.
+            wineserver -k 9>&- || true
+            wineserver -w 9>&-
             touch "$WINEPREFIX/.ready"
         fi
     ) 9>"$root/build/wine.lock"
