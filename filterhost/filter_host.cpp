@@ -1,5 +1,7 @@
 #include "bvutil/filter_host.h"
 
+#include "filterhost/application.h"
+#include "filterhost/host_state.h"
 #include "filterhost/ps_filter.h"
 #include "module/guarded.h"
 
@@ -29,7 +31,13 @@ void release(char** text) {
     *text = nullptr;
 }
 
+HostState the_host;
+
 } // namespace
+
+HostState& host_state() {
+    return the_host;
+}
 
 extern "C" BvUtilBool BVUTIL_CALL AVGetPSFilterAndInfo(const char* fileName, char** category, char** name,
                                                        PSFilter_** filter, int* error) {
@@ -54,5 +62,29 @@ extern "C" BvUtilBool BVUTIL_CALL AVFreeGotPSFilterInfo(char** category, char** 
 
 extern "C" BvUtilBool BVUTIL_CALL AVFreeGotPSFilter(PSFilter_** filter) {
     if (filter) close(*filter);
+    return 1;
+}
+
+extern "C" BvUtilBool BVUTIL_CALL AVApplyPSFilter(PSFilter_* filter, BvUtilBool repeatLast,
+                                                  AVPSFilterProgress progress, void* context,
+                                                  const void* image, int width, int height, int rowBytes,
+                                                  void** outImage, int* result) {
+    if (!filter || !image || !outImage) return 0;
+    const Application application{repeatLast != 0, progress, context, static_cast<const std::byte*>(image),
+                                  width,           height,   rowBytes};
+    const Outcome outcome = guarded(no_memory, [&] { return apply(*filter, application, outImage); });
+    if (outcome.told && result) *result = outcome.code;
+    return outcome.code >= 0;
+}
+
+extern "C" BvUtilBool BVUTIL_CALL AVPSFilterCanDoLastFilter(PSFilter_* filter, BvUtilBool* canDo) {
+    if (canDo) *canDo = filter && filter->saved_parameters;
+    return 1;
+}
+
+extern "C" BvUtilBool BVUTIL_CALL AVFreeGotPSFilterImage(void** image) {
+    if (!image) return 1;
+    delete[] static_cast<std::int32_t*>(*image);
+    *image = nullptr;
     return 1;
 }

@@ -1,11 +1,18 @@
-// An opened filter plug-in: its module, what its property list said, and what an application needs.
+// An opened filter plug-in: its module, what its property list said, and what an application of it needs.
 #pragma once
 
 #include "bvutil/filter_host.h"
 #include "filterhost/filter_record.h"
+#include "filterhost/pixel_exchange.h"
 #include "module/handles.h"
 
+#include <cstdlib>
 #include <memory>
+
+struct FreeMemory {
+    void operator()(std::byte* memory) const noexcept { std::free(memory); }
+};
+using SampleBuffer = std::unique_ptr<std::byte, FreeMemory>;
 
 // Callers hold it as an opaque pointer, but their compilers may delete it themselves: the table of virtual
 // operations has the form that they agree on, the deleting destructor alone.
@@ -29,11 +36,32 @@ class PSFilter_ final {
     ~PSFilter_() = default;
 
   public:
+    // Of the application that runs: the caller's pixels, and the copy that receives the result. Null between
+    // applications, as is the callback.
+    const std::byte* input_image = nullptr;
+    std::int32_t source_row_bytes = 0;
+    std::byte* output_image = nullptr;
+    AVPSFilterProgress progress = nullptr;
+    float progress_fraction = 0;
+    void* callback_context = nullptr;
+    bool aborted = false;
+
     ps::FilterRecord record{};
     std::int32_t filter_data = 0; // the plug-in's own word
-    library module;               // ends after everything that the plug-in may still look at
+    library module;
     ps::EntryPoint entry_point = nullptr;
-    bool found = false; // a property list was taken
+    bool prepared = false; // the tables and the fixed fields of the record are filled
+    bool found = false;    // a property list was taken
+    ps::Handle saved_parameters = nullptr;
     std::unique_ptr<char[]> category;
     std::unique_ptr<char[]> name;
+    Tile handed_out; // what the output buffer holds
+
+    std::int32_t width = 0;
+    std::int32_t height = 0;
+    SampleBuffer input_buffer;
+    SampleBuffer output_buffer;
+    ps::BufferProcs buffer_procs{};
+    ps::HandleProcs handle_procs{};
+    std::int16_t result = 0; // where the plug-in leaves the result of each call
 };

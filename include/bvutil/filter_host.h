@@ -35,6 +35,15 @@ class PSFilter_;
 typedef struct PSFilter_ PSFilter_;
 #endif
 
+/** Told how far an application has got, and asked whether to go on: when the filter reports progress, and
+ *  whenever it asks whether the user wants to stop. It must not throw.
+ *
+ *  @param fraction  The last fraction that the filter reported, 0 at first; usually from 0 to 1.
+ *  @param context   The context given to AVApplyPSFilter().
+ *  @return 0 to stop, anything else to go on. It is for the filter to heed this.
+ */
+typedef BvUtilBool(BVUTIL_STDCALL* AVPSFilterProgress)(float fraction, void* context);
+
 /** Opens a filter plug-in and tells what its property list says.
  *
  *  The first property list that names a filter (kind "8BFM", interface version 4.0 or older) with an entry
@@ -64,6 +73,49 @@ BVUTIL_API BvUtilBool BVUTIL_CALL AVFreeGotPSFilterInfo(char** category, char** 
  *  @param filter  Null, or a pointer to null, is skipped.
  *  @return 1. */
 BVUTIL_API BvUtilBool BVUTIL_CALL AVFreeGotPSFilter(PSFilter_** filter);
+
+/** Applies a filter to an image.
+ *
+ *  The plug-in is asked for its settings (which may show a dialog, owned by the main window of the calling
+ *  thread), prepared, and fed with the rectangles that it asks for. It reads the caller's image and writes
+ *  into a copy.
+ *
+ *  @param filter      An open filter.
+ *  @param repeatLast  Not 0: the settings of this filter's last application are used again, if there are any.
+ *  @param progress    Receives progress and may stop the filter; null when that is not wanted.
+ *  @param context     Handed to @p progress.
+ *  @param image       @p height rows of @p rowBytes bytes, the first row at the lowest address; each pixel 4
+ *                     bytes: blue, green, red and a fourth that filters see as plane 3. Only read.
+ *  @param width       Pixels in a row.
+ *  @param height      Rows. Plug-ins count in 16 bits: beyond 32767 in either direction they are told less.
+ *  @param rowBytes    Bytes from one row to the next; pixels beyond the last byte of the image do not exist.
+ *  @param outImage    Receives the result: an image of the same form, released by AVFreeGotPSFilterImage().
+ *                     Its memory is four times as large as the image. It is set even when the filter fails.
+ *  @param result      Receives the filter's code; null when it is not wanted. 0 is success; a positive code
+ *                     means that the filter ended early and has told the user (1: the user cancelled); a
+ *                     negative one is an error of the filter interface (-128: the user cancelled).
+ *  @return 1 when the code is not negative, else 0. Also 0, with @p outImage and @p result untouched, when
+ *          @p filter, @p image or @p outImage is null or when there is no memory for the result, as there
+ *          is none for a negative height or row size.
+ *  @note One application at a time in a process. An error while the filter works on its rectangles is not
+ *        reported; the filter is told to finish, and called again for as long as it asks for rectangles. The
+ *        memory that a plug-in's request takes can fail: then the plug-in receives a null buffer.
+ */
+BVUTIL_API BvUtilBool BVUTIL_CALL AVApplyPSFilter(PSFilter_* filter, BvUtilBool repeatLast,
+                                                  AVPSFilterProgress progress, void* context,
+                                                  const void* image, int width, int height, int rowBytes,
+                                                  void** outImage, int* result);
+
+/** Tells whether a filter's last application can be repeated with the same settings.
+ *  @param filter  An open filter; null cannot be repeated.
+ *  @param canDo   Receives 1 when the filter left settings behind, else 0. Null is skipped.
+ *  @return 1. */
+BVUTIL_API BvUtilBool BVUTIL_CALL AVPSFilterCanDoLastFilter(PSFilter_* filter, BvUtilBool* canDo);
+
+/** Releases an image of AVApplyPSFilter() and sets the pointer to null.
+ *  @param image  Null, or a pointer to null, is skipped.
+ *  @return 1. */
+BVUTIL_API BvUtilBool BVUTIL_CALL AVFreeGotPSFilterImage(void** image);
 
 BVUTIL_END_C
 

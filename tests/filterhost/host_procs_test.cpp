@@ -1,0 +1,190 @@
+// The procedures that plug-ins call: buffers, handles of every maker, and display.
+#include "module/handles.h"
+#include "tests/filterhost/filter_run.h"
+
+namespace {
+
+class HostProcedures : public FilterRun {
+  protected:
+    HostProcedures() {
+        apply(1, 1);
+        record = calls.front().record;
+        buffers = *record.bufferProcs;
+        handles = *record.handleProcs;
+    }
+    ps::FilterRecord record;
+    ps::BufferProcs buffers;
+    ps::HandleProcs handles;
+};
+
+// Both release procedures answer 1 for the host's handles, in the register where a result would be.
+int answer(ps::HandleReleaseProc procedure, ps::Handle handle) {
+    return reinterpret_cast<int(PS_CALL*)(ps::Handle)>(reinterpret_cast<void*>(procedure))(handle);
+}
+
+TEST_F(HostProcedures, MakeBuffers) {
+    ps::BufferID buffer = nullptr;
+    EXPECT_EQ(buffers.allocateProc(1000, &buffer), 0);
+    EXPECT_EQ(buffers.lockProc(buffer, 1), buffer);
+    std::memset(buffer, 1, 1000);
+    buffers.unlockProc(buffer);
+    buffers.freeProc(buffer);
+    EXPECT_EQ(buffers.spaceProc(), 100000000);
+    EXPECT_EQ(buffers.allocateProc(-1, &buffer), 0) << "failure shows in the id alone";
+    EXPECT_EQ(buffer, nullptr);
+}
+
+TEST_F(HostProcedures, ServeTheirOwnHandles) {
+    const ps::Handle handle = handles.newProc(5);
+    ASSERT_NE(handle, nullptr);
+    EXPECT_EQ(handles.getSizeProc(handle), 5);
+    EXPECT_EQ(handles.lockProc(handle, 0), *handle) << "the handle's first word points to the data";
+    EXPECT_EQ(reinterpret_cast<std::int32_t*>(handle)[1], 5) << "its second is the size";
+    std::memcpy(*handle, "abcde", 5);
+    EXPECT_EQ(handles.setSizeProc(handle, 100000), 0);
+    EXPECT_EQ(handles.getSizeProc(handle), 100000);
+    EXPECT_EQ(std::string(*handle, 5), "abcde");
+    EXPECT_EQ(handles.setSizeProc(handle, -1), -108);
+    EXPECT_EQ(handles.getSizeProc(handle), 100000) << "nothing is lost";
+    EXPECT_EQ(handles.setSizeProc(handle, 0), 0);
+    EXPECT_EQ(handles.getSizeProc(handle), 0);
+    EXPECT_NE(handles.lockProc(handle, 0), nullptr);
+    EXPECT_EQ(answer(handles.unlockProc, handle), 1);
+    handles.recoverSpaceProc(1);
+    EXPECT_EQ(answer(handles.disposeRegularHandleProc, handle), 1);
+    EXPECT_EQ(handles.getSizeProc(handle), 0) << "left alone";
+    EXPECT_EQ(handles.setSizeProc(handle, 3), 0);
+    handles.disposeProc(handle);
+    EXPECT_EQ(handles.newProc(-5), nullptr);
+}
+
+TEST_F(HostProcedures, ServeGlobalHandlesAndPointersToThem) {
+    for (const bool behind_pointer : {false, true}) {
+        SCOPED_TRACE(behind_pointer ? "pointer to a handle" : "handle");
+        HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE, 16);
+        const auto handle = reinterpret_cast<ps::Handle>(behind_pointer ? &memory : memory);
+        EXPECT_EQ(handles.getSizeProc(handle), 16);
+        char* data = handles.lockProc(handle, 1);
+        ASSERT_NE(data, nullptr);
+        EXPECT_EQ(GlobalFlags(memory) & GMEM_LOCKCOUNT, 1u);
+        std::memcpy(data, "0123456789abcdef", 16);
+        handles.unlockProc(handle);
+        EXPECT_EQ(GlobalFlags(memory) & GMEM_LOCKCOUNT, 0u);
+        EXPECT_EQ(handles.setSizeProc(handle, 5000), 0);
+        EXPECT_EQ(GlobalSize(memory), 5000u);
+        EXPECT_EQ(std::string(handles.lockProc(handle, 1), 16), "0123456789abcdef");
+        handles.unlockProc(handle);
+        handles.disposeProc(handle);
+        EXPECT_EQ(GlobalFlags(memory), static_cast<UINT>(GMEM_INVALID_HANDLE));
+
+        memory = GlobalAlloc(GMEM_MOVEABLE, 16);
+        handles.disposeRegularHandleProc(reinterpret_cast<ps::Handle>(behind_pointer ? &memory : memory));
+        EXPECT_EQ(GlobalFlags(memory), static_cast<UINT>(GMEM_INVALID_HANDLE));
+    }
+    // A fixed block that would have to move stays as it is.
+    unique_global fixed(GlobalAlloc(GMEM_FIXED, 16));
+    const unique_global neighbour(GlobalAlloc(GMEM_FIXED, 16));
+    EXPECT_EQ(handles.setSizeProc(static_cast<ps::Handle>(fixed.get()), 10000000), -109);
+    EXPECT_EQ(GlobalSize(fixed.get()), 16u);
+}
+
+TEST_F(HostProcedures, RefuseOtherHandles) {
+    static char data[16] = "own data";
+    static char* pointer_to_data = data;
+    static char* pointer_to_nothing = reinterpret_cast<char*>(16);
+    const struct {
+        ps::Handle handle;
+        char* locked;
+    } cases[] = {{nullptr, nullptr},
+                 {reinterpret_cast<ps::Handle>(16), nullptr},
+                 {&pointer_to_nothing, nullptr},
+                 {&pointer_to_data, data}};
+    for (const auto& each : cases) {
+        EXPECT_EQ(handles.getSizeProc(each.handle), 0);
+        EXPECT_EQ(handles.setSizeProc(each.handle, 8), -109);
+        EXPECT_EQ(handles.lockProc(each.handle, 0), each.locked);
+        handles.unlockProc(each.handle);
+        handles.disposeProc(each.handle);
+        handles.disposeRegularHandleProc(each.handle);
+    }
+    EXPECT_STREQ(data, "own data");
+}
+
+class Display : public HostProcedures {
+  protected:
+    Display() {
+        dc.reset(CreateCompatibleDC(nullptr));
+        BITMAPINFO info{};
+        info.bmiHeader = {sizeof info.bmiHeader, side, -side, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
+        void* bits = nullptr;
+        bitmap.reset(CreateDIBSection(dc.get(), &info, DIB_RGB_COLORS, &bits, nullptr, 0));
+        pixels = static_cast<std::uint32_t*>(bits);
+        SelectObject(dc.get(), bitmap.get());
+        std::fill_n(pixels, side * side, background);
+        for (std::size_t i = 0; i < sizeof source; ++i)
+            source[i] = static_cast<std::uint8_t>(i);
+        map.baseAddr = source;
+    }
+
+    std::uint32_t at(int x, int y) const { return pixels[y * side + x] & 0xFFFFFF; }
+
+    static constexpr int side = 16;
+    static constexpr std::uint32_t background = 0x123456;
+    unique_bitmap bitmap;
+    unique_dc dc;
+    std::uint32_t* pixels = nullptr;
+    std::uint8_t source[256];
+    ps::PSPixelMap map{1, {0, 0, 5, 5}, ps::mode_grey, 20, 1, 1, nullptr};
+};
+
+TEST_F(Display, DrawsGreyFromTheLeftEdgeOn) {
+    const ps::VRect area{1, 2, 3, 7}; // 2 rows of 5; the top is not added
+    source[4] = 255;
+    EXPECT_EQ(record.displayPixels(&map, &area, 6, 3, dc.get()), 0);
+    for (int y = 0; y < side; ++y)
+        for (int x = 0; x < side; ++x) {
+            const bool drawn = y >= 6 && y < 8 && x >= 3 && x < 8;
+            const unsigned level = static_cast<unsigned>(20 * (y - 6) + x - 3 + 2);
+            const std::uint32_t grey = source[level & 255] == 255 ? 0 : level * 0x010101;
+            EXPECT_EQ(at(x, y), drawn ? grey : background) << x << "," << y;
+        }
+}
+
+TEST_F(Display, DrawsColourByColumnBytes) {
+    map.imageMode = ps::mode_rgb;
+    map.rowBytes = 40;
+    map.colBytes = 4;
+    const ps::VRect area{1, 2, 3, 5}; // 2 rows of 3; neither edge is added
+    EXPECT_EQ(record.displayPixels(&map, &area, 1, 1, dc.get()), 0);
+    for (int y = 0; y < 2; ++y)
+        for (int x = 0; x < 3; ++x) {
+            const auto* from = source + 40 * y + 4 * x;
+            const auto colour = static_cast<std::uint32_t>(from[0] << 16 | from[1] << 8 | from[2]);
+            EXPECT_EQ(at(1 + x, 1 + y), colour) << x << "," << y;
+        }
+    EXPECT_EQ(at(4, 1), background);
+    EXPECT_EQ(at(1, 3), background);
+}
+
+TEST_F(Display, RefusesWhatIsMissingAndIgnoresTheRest) {
+    const ps::VRect area{0, 0, 2, 2};
+    EXPECT_EQ(record.displayPixels(&map, &area, 0, 0, nullptr), -30100);
+    ps::PSPixelMap wrong = map;
+    wrong.rowBytes = 0;
+    EXPECT_EQ(record.displayPixels(&wrong, &area, 0, 0, dc.get()), -30100);
+    wrong = map;
+    wrong.baseAddr = nullptr;
+    EXPECT_EQ(record.displayPixels(&wrong, &area, 0, 0, dc.get()), -30100);
+
+    wrong = map;
+    wrong.imageMode = 4;
+    EXPECT_EQ(record.displayPixels(&wrong, &area, 0, 0, dc.get()), 0);
+    constexpr std::int32_t least = INT32_MIN, most = INT32_MAX;
+    for (const ps::VRect& odd :
+         {ps::VRect{0, 0, 0, 2}, ps::VRect{2, 2, 0, 0}, ps::VRect{least, least, most, most},
+          ps::VRect{0, 0, most, most}, ps::VRect{0, most, 2, least}})
+        EXPECT_EQ(record.displayPixels(&map, &odd, 0, 0, dc.get()), 0);
+    EXPECT_EQ(std::count(pixels, pixels + side * side, background), side * side) << "nothing was drawn";
+}
+
+} // namespace
