@@ -4,8 +4,8 @@
 #include "module/guarded.h"
 #include "module/module_instance.h"
 #include "module/resource.h"
+#include "runtime/formatted.h"
 
-#include <cstdarg>
 #include <ctime>
 #include <initializer_list>
 #include <string>
@@ -13,21 +13,6 @@
 namespace {
 
 constexpr int alternative_logs = 20;
-
-// The texts that this unit formats are resources and fixed captions; their length is bounded by the
-// arguments alone.
-std::string formatted(const char* format, ...) {
-    va_list arguments;
-    va_start(arguments, format);
-    va_list again;
-    va_copy(again, arguments);
-    const int length = std::vsnprintf(nullptr, 0, format, arguments);
-    va_end(arguments);
-    std::string text(length > 0 ? static_cast<std::size_t>(length) : 0, '\0');
-    std::vsnprintf(text.data(), text.size() + 1, format, again);
-    va_end(again);
-    return text;
-}
 
 std::string local_time_text() {
     char text[128] = "";

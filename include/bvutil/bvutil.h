@@ -7,7 +7,9 @@
 #include "bvutil/api.h"
 #include "bvutil/env.h"
 #include "bvutil/filter_host.h"
+#include "bvutil/locations.h"
 #include "bvutil/messages.h"
+#include "bvutil/numeric.h"
 #include "bvutil/strings.h"
 
 #ifdef __cplusplus
