@@ -2,6 +2,7 @@
 
 #include "bvutil/strings.h"
 #include "files/number_text.h"
+#include "files/profile_value.h"
 #include "module/guarded.h"
 
 #include <charconv>
@@ -11,20 +12,9 @@
 
 namespace {
 
-// One value, in a buffer of the size that the interface states; empty when the value is.
-class ProfileValue {
-  public:
-    ProfileValue(const char* file, const char* section, const char* key) noexcept {
-        // With nothing returned, the buffer's text does not count.
-        if (GetPrivateProfileStringA(section, key, BVUTIL_INI_MISSING, m_text, sizeof m_text, file) == 0)
-            m_text[0] = '\0';
-    }
-    const char* text() const noexcept { return m_text; }
-    bool has_content() const noexcept { return *m_text && std::strcmp(m_text, BVUTIL_INI_MISSING) != 0; }
-
-  private:
-    char m_text[1024] = {};
-};
+ProfileValue<1024> read(const std::string& file, const std::string& section, const std::string& key) {
+    return {file.c_str(), section.c_str(), key.c_str(), BVUTIL_INI_MISSING};
+}
 
 bool write(const std::string& file, const std::string& section, const std::string& key, const char* value) {
     return WritePrivateProfileStringA(section.c_str(), key.c_str(), value, file.c_str()) != FALSE;
@@ -85,9 +75,8 @@ bool CBvIniFile::WriteDouble(const std::string& section, const std::string& key,
 std::string CBvIniFile::FileReadString(const std::string& file, const std::string& section,
                                        const std::string& key) {
     // The marker is short enough to be kept without an allocation.
-    return guarded(std::string(BVUTIL_INI_MISSING), [&] {
-        return std::string(ProfileValue(file.c_str(), section.c_str(), key.c_str()).text());
-    });
+    return guarded(std::string(BVUTIL_INI_MISSING),
+                   [&] { return std::string(read(file, section, key).text()); });
 }
 
 int CBvIniFile::FileReadInt(const std::string& file, const std::string& section, const std::string& key) {
@@ -96,9 +85,9 @@ int CBvIniFile::FileReadInt(const std::string& file, const std::string& section,
 
 double CBvIniFile::FileReadDouble(const std::string& file, const std::string& section,
                                   const std::string& key) {
-    const ProfileValue value(file.c_str(), section.c_str(), key.c_str());
-    return value.has_content() ? BvUtil_StringToDouble(value.text())
-                               : std::numeric_limits<double>::infinity();
+    const auto value = read(file, section, key);
+    const bool missing = value.empty() || std::strcmp(value.text(), BVUTIL_INI_MISSING) == 0;
+    return missing ? std::numeric_limits<double>::infinity() : BvUtil_StringToDouble(value.text());
 }
 
 bool CBvIniFile::FileWriteString(const std::string& file, const std::string& section, const std::string& key,

@@ -14,6 +14,7 @@
 
 #ifdef __cplusplus
 #include "bvutil/ini_file.h"
+#include "bvutil/mat_file.h"
 #endif
 
 #endif
