@@ -1,0 +1,107 @@
+// Splitting, joining and searching of paths: the first byte chooses the code page and which texts are left
+// out, the others are base, directory and file, separated by line feeds.
+#include "bvutil/strings.h"
+#include "module/multibyte.h"
+#include "tests/support/double_byte.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace {
+
+void require(bool holds) {
+    if (!holds) std::abort();
+}
+
+// In memory of its own, so that a byte too many is seen.
+std::unique_ptr<char[]> exact_copy(const std::string& text) {
+    auto copy = std::make_unique<char[]>(text.size() + 1);
+    std::memcpy(copy.get(), text.c_str(), text.size() + 1);
+    return copy;
+}
+
+void check_split(const std::string& path) {
+    const auto drive = std::make_unique<char[]>(BVUTIL_DRIVE_SIZE);
+    const auto dir = std::make_unique<char[]>(BVUTIL_DIR_SIZE);
+    const auto name = std::make_unique<char[]>(BVUTIL_NAME_SIZE);
+    const auto text = exact_copy(path);
+    require(BvUtil_Divide(text.get(), drive.get(), dir.get(), name.get()) == 0);
+    const std::string joined = std::string(drive.get()) + dir.get() + name.get();
+    require(joined == path || (joined.empty() && path.size() >= BVUTIL_NAME_SIZE));
+    require(std::strlen(drive.get()) == 0 || (std::strlen(drive.get()) == 2 && drive[1] == ':'));
+    require(BvUtil_StrIChr(name.get(), '\\') == -1 && BvUtil_StrIChr(name.get(), '/') == -1);
+}
+
+void check_extension(const std::string& name) {
+    const int dot = BvUtil_GetExtensionPos(exact_copy(name).get());
+    require(dot == -1 || (dot > 0 && name[static_cast<std::size_t>(dot)] == '.'));
+    require(name.find('.', static_cast<std::size_t>(std::max(dot, 0) + 1)) == std::string::npos);
+}
+
+// The search against the plainest one there is.
+void check_search(const std::string& text, const std::string& wanted) {
+    int expected = wanted.empty() ? 0 : -1;
+    const std::string_view whole(text);
+    multibyte::for_each_character(text, [&](std::size_t at, std::size_t) {
+        if (expected != -1) return false;
+        std::size_t end = at;
+        while (end < text.size() && end - at < wanted.size())
+            end += multibyte::character_length(whole.substr(end));
+        if (whole.substr(at, end - at) == wanted) expected = static_cast<int>(at);
+        return true;
+    });
+    require(BvUtil_StrIPos(exact_copy(text).get(), exact_copy(wanted).get()) == expected);
+}
+
+void check_join(const std::optional<std::string>& base, const std::optional<std::string>& dir,
+                const std::optional<std::string>& file) {
+    const auto length = [](const auto& text) { return text ? text->size() : 0; };
+    const auto copy = [](const auto& text) { return text ? exact_copy(*text) : nullptr; };
+    const auto make = [&](const auto& b, const auto& d, const auto& f) {
+        const auto out = std::make_unique<char[]>(length(b) + length(d) + length(f) + 3);
+        require(BvUtil_Makepath(out.get(), copy(b).get(), copy(d).get(), copy(f).get()) == out.get());
+        return std::string(out.get());
+    };
+    const std::optional<std::string> none;
+    const std::string path = make(base, dir, file);
+    require(make(none, none, std::optional(path)) == path); // lower case already
+    if (multibyte::active()) return;
+    // Bytes are characters: what was placed last stands at the end.
+    std::string tail = make(none, none, file);
+    if (tail.starts_with('\\')) tail.erase(0, 1);
+    require(path.ends_with(tail));
+    if (file && file->size() > 1 && (*file)[1] == ':') require(path == make(none, none, file));
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    if (size == 0) return 0;
+    const unsigned choice = data[0];
+    std::optional<DoubleByteCodePage> code_page;
+    if (choice & 1) code_page.emplace();
+
+    std::string texts[3];
+    std::size_t index = 0;
+    for (const char c : std::string(reinterpret_cast<const char*>(data + 1), size - 1)) {
+        if (c == '\n' && index < 2)
+            ++index;
+        else if (c != '\0')
+            texts[index] += c;
+    }
+    for (const std::string& text : texts) {
+        check_split(text);
+        check_extension(text);
+    }
+    check_search(texts[0], texts[1]);
+    const auto argument = [&](unsigned n) {
+        return choice & 2u << n ? std::nullopt : std::optional(texts[n]);
+    };
+    check_join(argument(0), argument(1), argument(2));
+    return 0;
+}
