@@ -11,6 +11,7 @@
 #include "bvutil/messages.h"
 #include "bvutil/numeric.h"
 #include "bvutil/strings.h"
+#include "bvutil/triangulation.h"
 
 #ifdef __cplusplus
 #include "bvutil/ini_file.h"

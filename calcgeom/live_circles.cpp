@@ -1,0 +1,224 @@
+#include "calcgeom/live_circles.h"
+
+#include <algorithm>
+#include <bit>
+#include <limits>
+#include <utility>
+
+namespace {
+
+constexpr int all_lanes = 15;
+constexpr std::size_t shortest_slab = 32, points_per_leaf = 4;
+
+// What is filed in a lane that holds no circle.
+constexpr float nobody = -1.0f;
+
+Circles load(const float* cx, const float* cy, const float* right, const float* enlarged) {
+    return {_mm_load_ps(cx), _mm_load_ps(cy), _mm_load_ps(right), _mm_load_ps(enlarged)};
+}
+
+int highest_lane(int lanes) {
+    return static_cast<int>(std::bit_width(static_cast<unsigned>(lanes))) - 1;
+}
+
+} // namespace
+
+LiveCircles::LiveCircles(const SweepVertices& sweep) : m_sweep(sweep), m_blocks(1), m_nodes(2) {}
+
+// A point y of the slab is inside only if (x - cx)² + (y - cy)² as calculated is at most E, the enlarged
+// squared radius. Each calculated operation errs by at most u = 2^-24 of its result (a square below the
+// normal range by 2^-150), and nothing cancels after the differences, which err by u as well; hence then (y -
+// cy)² <= E (1 + 5u) - (x - cx)² + 2^-148. Over the rest of the slab |x - cx| is at least D, the distance of
+// cx from the interval of x, calculated with an error of u, its square with 3u. The bound taken below is 2e-6
+// E more than E - D² and at most 2u E less by its own rounding, when 11u = 7e-7 would do, and 1e-36 covers
+// what is too small for relative errors; the surplus also covers the root's rounding. cy - h and cy + h need
+// no margin of their own: rounding is monotone, so y >= cy - h leaves y, a float, at or above the rounded
+// cy - h. The map from y to leaves is monotone, too.
+LiveCircles::Leaves LiveCircles::leaves_touched(const Circles& c, float from_x) const {
+    const __m128 before = _mm_sub_ps(_mm_set1_ps(from_x), c.cx);
+    const __m128 behind = _mm_sub_ps(c.cx, _mm_set1_ps(m_slab_right));
+    const __m128 distance = _mm_max_ps(_mm_max_ps(before, behind), _mm_setzero_ps());
+    const __m128 bound =
+        _mm_sub_ps(_mm_mul_ps(c.enlarged, _mm_set1_ps(1.000002f)), _mm_mul_ps(distance, distance));
+    const __m128 h = _mm_sqrt_ps(_mm_add_ps(_mm_max_ps(bound, _mm_setzero_ps()), _mm_set1_ps(1e-36f)));
+    const __m128i lowest = leaf_of(_mm_sub_ps(c.cy, h)), highest = leaf_of(_mm_add_ps(c.cy, h));
+
+    // An infinite circle may have anything inside.
+    const __m128 finite = _mm_cmplt_ps(c.enlarged, _mm_set1_ps(std::numeric_limits<float>::infinity()));
+    if (_mm_movemask_ps(finite) == all_lanes) return {lowest, highest};
+    const __m128i mask = _mm_castps_si128(finite), last = _mm_set1_epi32(static_cast<int>(m_leaves - 1));
+    return {_mm_and_si128(mask, lowest),
+            _mm_or_si128(_mm_and_si128(mask, highest), _mm_andnot_si128(mask, last))};
+}
+
+// Monotone for all floats: 0 · infinity, of a slab without height, is brought to 0 by max's second operand.
+__m128i LiveCircles::leaf_of(__m128 y) const {
+    const __m128 scaled =
+        _mm_mul_ps(_mm_sub_ps(y, _mm_set1_ps(m_slab_bottom)), _mm_set1_ps(m_leaves_per_unit));
+    const __m128 last = _mm_set1_ps(static_cast<float>(m_leaves - 1));
+    return _mm_cvttps_epi32(_mm_min_ps(_mm_max_ps(scaled, _mm_setzero_ps()), last));
+}
+
+std::uint32_t LiveCircles::new_block(std::uint32_t next) {
+    std::uint32_t block = m_free_block;
+    if (block) {
+        m_free_block = m_blocks[block].next;
+    } else {
+        block = static_cast<std::uint32_t>(m_blocks.size());
+        m_blocks.emplace_back();
+    }
+    _mm_store_ps(m_blocks[block].enlarged, _mm_set1_ps(nobody));
+    m_blocks[block].next = next;
+    return block;
+}
+
+void LiveCircles::put(Node& node, const Block& from, int lane) {
+    const std::uint32_t free_lane = node.circles++ % 4;
+    if (free_lane == 0) node.first_block = new_block(node.first_block);
+    Block& to = m_blocks[node.first_block];
+    to.cx[free_lane] = from.cx[lane];
+    to.cy[free_lane] = from.cy[lane];
+    to.enlarged[free_lane] = from.enlarged[lane];
+    to.right[free_lane] = from.right[lane];
+    to.v1[free_lane] = from.v1[lane];
+    to.v2[free_lane] = from.v2[lane];
+    to.v3[free_lane] = from.v3[lane];
+    ++m_size;
+}
+
+// The node's last circle takes the place.
+void LiveCircles::remove(Node& node, std::uint32_t block, int lane) {
+    const std::uint32_t first = node.first_block, last = --node.circles % 4;
+    Block &to = m_blocks[block], &from = m_blocks[first];
+    to.cx[lane] = from.cx[last];
+    to.cy[lane] = from.cy[last];
+    to.enlarged[lane] = from.enlarged[last];
+    to.right[lane] = from.right[last];
+    to.v1[lane] = from.v1[last];
+    to.v2[lane] = from.v2[last];
+    to.v3[lane] = from.v3[last];
+    from.enlarged[last] = nobody;
+    if (last == 0) {
+        node.first_block = from.next;
+        from.next = m_free_block;
+        m_free_block = first;
+    }
+    --m_size;
+}
+
+void LiveCircles::add_finished(const Block& block, int lane) {
+    const Place v1 = block.v1[lane], v2 = block.v2[lane], v3 = block.v3[lane];
+    const SuperTriangle& super = m_sweep.super;
+    if (!super.has(v1) && !super.has(v2) && !super.has(v3))
+        m_finished.push_back({block.cx[lane], block.cy[lane], v1, v2, v3});
+}
+
+void LiveCircles::file_lanes(const Circles& circles, const Block& triangles, int lanes, float from_x) {
+    const Leaves touched = leaves_touched(circles, from_x);
+    alignas(16) std::uint32_t lowest[4], highest[4];
+    _mm_store_si128(reinterpret_cast<__m128i*>(lowest), touched.lowest);
+    _mm_store_si128(reinterpret_cast<__m128i*>(highest), touched.highest);
+    for (int i = 0; i < 4; ++i) {
+        if (!(lanes >> i & 1)) continue;
+        // A circle that is not a number has nothing inside and is never passed: it stays to the end.
+        if (!(triangles.enlarged[i] >= 0)) {
+            add_finished(triangles, i);
+            continue;
+        }
+        const auto levels_up = std::bit_width(lowest[i] ^ highest[i]);
+        put(m_nodes[(m_leaves + lowest[i]) >> levels_up], triangles, i);
+    }
+}
+
+void LiveCircles::file(const Circles& circles, const Edge* edges, Place third, int count) {
+    Block triangles;
+    _mm_store_ps(triangles.cx, circles.cx);
+    _mm_store_ps(triangles.cy, circles.cy);
+    _mm_store_ps(triangles.enlarged, circles.enlarged);
+    _mm_store_ps(triangles.right, circles.right);
+    for (int i = 0; i < count; ++i) {
+        triangles.v1[i] = edges[i].first;
+        triangles.v2[i] = edges[i].second;
+        triangles.v3[i] = third;
+    }
+    file_lanes(circles, triangles, all_lanes >> (4 - count), m_sweep.vertices[third].x);
+}
+
+void LiveCircles::take_around(const Vertex& point, Cavity& cavity) {
+    const __m128 x = _mm_set1_ps(point.x), y = _mm_set1_ps(point.y);
+    const auto leaf = static_cast<std::uint32_t>(_mm_cvtsi128_si32(leaf_of(y)));
+    for (std::uint32_t node = m_leaves + leaf; node != 0; node /= 2)
+        take_from(m_nodes[node], x, y, cavity);
+}
+
+// A triangle is finished as soon as a point lies beyond cx + r. As x grows and cx + r is fixed, that need not
+// be noticed at once, but the enlarged circle may still have a later point inside: such a one must not be
+// taken, hence the second comparison.
+void LiveCircles::take_from(Node& node, __m128 x, __m128 y, Cavity& cavity) {
+    for (std::uint32_t block = node.first_block; block != 0;) {
+        const Block& four = m_blocks[block];
+        const std::uint32_t next = four.next;
+        const __m128 dx = _mm_sub_ps(x, _mm_load_ps(four.cx)), dy = _mm_sub_ps(y, _mm_load_ps(four.cy));
+        const __m128 squared = _mm_add_ps(_mm_mul_ps(dx, dx), _mm_mul_ps(dy, dy));
+        int inside = _mm_movemask_ps(_mm_cmpge_ps(_mm_load_ps(four.enlarged), squared));
+        if (inside) inside &= _mm_movemask_ps(_mm_cmpngt_ps(x, _mm_load_ps(four.right)));
+        // From the high lanes down, and from the first block on: what takes a removed circle's place has
+        // been looked at.
+        for (; inside; inside &= ~(1 << highest_lane(inside))) {
+            const int lane = highest_lane(inside);
+            cavity.add(m_blocks[block].v1[lane], m_blocks[block].v2[lane], m_blocks[block].v3[lane]);
+            remove(node, block, lane);
+        }
+        block = next;
+    }
+}
+
+int LiveCircles::circles_in(const Block& block) const {
+    return _mm_movemask_ps(_mm_cmpge_ps(_mm_load_ps(block.enlarged), _mm_setzero_ps()));
+}
+
+void LiveCircles::measure_slab(Place first, std::size_t points) {
+    const auto& vertices = m_sweep.vertices;
+    m_slab_end = static_cast<Place>(std::min(vertices.size(), first + points));
+    float bottom = vertices[first].y, top = bottom;
+    for (Place i = first; i < m_slab_end; ++i) {
+        if (m_sweep.super.has(i)) continue;
+        bottom = std::min(bottom, vertices[i].y);
+        top = std::max(top, vertices[i].y);
+        m_slab_right = vertices[i].x;
+    }
+    m_leaves = std::bit_ceil(static_cast<std::uint32_t>(points / points_per_leaf));
+    m_slab_bottom = bottom;
+    m_leaves_per_unit = static_cast<float>(m_leaves) / (top - bottom);
+}
+
+void LiveCircles::begin_slab(Place first) {
+    const float x = m_sweep.vertices[first].x;
+    m_old_blocks.swap(m_blocks);
+    std::size_t live = 0;
+    for (Block& block : m_old_blocks) {
+        int passed =
+            circles_in(block) & _mm_movemask_ps(_mm_cmpgt_ps(_mm_set1_ps(x), _mm_load_ps(block.right)));
+        for (; passed; passed &= ~(1 << highest_lane(passed))) {
+            add_finished(block, highest_lane(passed));
+            block.enlarged[highest_lane(passed)] = nobody;
+        }
+        live += static_cast<std::size_t>(std::popcount(static_cast<unsigned>(circles_in(block))));
+    }
+    measure_slab(first, std::max(live, shortest_slab));
+    m_nodes.assign(2 * m_leaves, Node{});
+    m_blocks.clear();
+    m_blocks.emplace_back();
+    m_free_block = 0;
+    m_size = 0;
+    for (const Block& block : m_old_blocks)
+        if (const int lanes = circles_in(block))
+            file_lanes(load(block.cx, block.cy, block.right, block.enlarged), block, lanes, x);
+}
+
+std::vector<FinishedTriangle> LiveCircles::finish() {
+    for (const Block& block : m_blocks)
+        for (int lanes = circles_in(block); lanes; lanes &= ~(1 << highest_lane(lanes)))
+            add_finished(block, highest_lane(lanes));
+    return std::move(m_finished);
+}

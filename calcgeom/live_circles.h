@@ -1,0 +1,73 @@
+// The circles that the sweep can still meet, filed so that a point looks only at those near it.
+//
+// The sweep advances in slabs of as many points as there are circles. For the length of a slab every circle
+// is filed under the interval of y in which a point of the slab can be inside it; a circle that lies mostly
+// to the right of the slab touches it with a short arc only, however large it is. Intervals are kept in a
+// tree over the slab's y range: a circle is in the smallest node that covers its interval, a point looks at
+// the nodes from its leaf to the root. When the slab ends, the circles that lie behind are finished, the
+// others are filed anew, which costs each point about one filing.
+#pragma once
+
+#include "calcgeom/cavity.h"
+#include "calcgeom/circumcircle.h"
+#include "calcgeom/result_order.h"
+
+#include <cstdint>
+#include <vector>
+
+class LiveCircles {
+  public:
+    explicit LiveCircles(const SweepVertices& sweep);
+
+    // The first place that is not in the current slab.
+    Place slab_end() const { return m_slab_end; }
+    // Begins the slab of points that starts at `first`, a point.
+    void begin_slab(Place first);
+
+    // Files the triangles (first[i], second[i], third) with their circles, i < count <= 4. The third vertex
+    // is the sweep's current point.
+    void file(const Circles& circles, const Edge* edges, Place third, int count);
+    // Moves the triangles whose circle has the point inside into the cavity.
+    void take_around(const Vertex& point, Cavity& cavity);
+
+    std::size_t size() const { return m_size; }
+    // Ends the sweep: the triangles that no point can change any more, without those of the super triangle.
+    std::vector<FinishedTriangle> finish();
+
+  private:
+    // Four circles. A lane without one has a negative enlarged radius, which has nothing inside.
+    struct alignas(64) Block {
+        float cx[4], cy[4], enlarged[4] = {-1, -1, -1, -1}, right[4];
+        Place v1[4], v2[4], v3[4];
+        std::uint32_t next; // in the node or among the free blocks; 0 is none
+    };
+    // Only the first block of a node has free lanes, the high ones.
+    struct Node {
+        std::uint32_t first_block, circles;
+    };
+    // Leaves of the tree.
+    struct Leaves {
+        __m128i lowest, highest;
+    };
+
+    Leaves leaves_touched(const Circles& circles, float from_x) const;
+    __m128i leaf_of(__m128 y) const;
+    void file_lanes(const Circles& circles, const Block& triangles, int lanes, float from_x);
+    void put(Node& node, const Block& from, int lane);
+    void remove(Node& node, std::uint32_t block, int lane);
+    void take_from(Node& node, __m128 x, __m128 y, Cavity& cavity);
+    std::uint32_t new_block(std::uint32_t next);
+    int circles_in(const Block& block) const;
+    void measure_slab(Place first, std::size_t points);
+    void add_finished(const Block& block, int lane);
+
+    const SweepVertices& m_sweep;
+    std::vector<FinishedTriangle> m_finished;
+    std::vector<Block> m_blocks, m_old_blocks; // the first is not used
+    std::uint32_t m_free_block = 0;
+    std::vector<Node> m_nodes; // 1 is the root, the children of i are 2 i and 2 i + 1
+    std::uint32_t m_leaves = 1;
+    std::size_t m_size = 0;
+    Place m_slab_end = 0;
+    float m_slab_right = 0, m_slab_bottom = 0, m_leaves_per_unit = 0;
+};

@@ -1,0 +1,47 @@
+#include "calcgeom/point_set.h"
+
+#include "calcgeom/radix_sort.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+// `spare` has the size of `points`. Stable: equal points stay in the order of the input.
+void sort_by_x_then_y(std::vector<Vertex>& points, std::vector<Vertex>& spare) {
+    const auto by_x = [](const Vertex& p) { return float_key(p.x); };
+    radix_sort(points, spare, by_x);
+
+    std::size_t tied = 0;
+    for (std::size_t i = 1; i < points.size(); ++i)
+        tied += points[i].x == points[i - 1].x;
+    if (tied > points.size() / 16) { // columns
+        radix_sort(points, spare, [](const Vertex& p) { return float_key(p.y); });
+        radix_sort(points, spare, by_x);
+        return;
+    }
+    const auto end = points.end();
+    for (auto run = points.begin(); tied && run != end;) {
+        const auto next = std::find_if(run + 1, end, [&](const Vertex& p) { return p.x != run->x; });
+        if (next - run > 1) std::stable_sort(run, next, comes_before);
+        run = next;
+    }
+}
+
+} // namespace
+
+std::vector<Vertex> point_set(const float* coordinates, std::size_t count) {
+    // Whatever depends on the count alone is allocated before the first point is read.
+    std::vector<Vertex> points(count), spare(count);
+    std::size_t kept = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        points[kept] = {coordinates[2 * i], coordinates[2 * i + 1]};
+        kept += !std::isnan(points[kept].x) && !std::isnan(points[kept].y);
+    }
+    points.resize(kept);
+    spare.resize(kept);
+    sort_by_x_then_y(points, spare);
+    const auto equal = [](const Vertex& a, const Vertex& b) { return a.x == b.x && a.y == b.y; };
+    points.erase(std::unique(points.begin(), points.end(), equal), points.end());
+    return points;
+}
