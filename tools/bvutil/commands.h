@@ -27,3 +27,5 @@ class CommandFailed : public std::runtime_error {
   private:
     ExitCode m_code;
 };
+
+void add_env_commands(CLI::App& app);

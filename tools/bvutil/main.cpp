@@ -17,8 +17,11 @@ int main(int argc, char** argv) {
     CLI::App app("Settings files, profiles, pictures, filters and geometry with BvUtil.", "bvutil");
     app.set_version_flag("--version", "bvutil 1.0.0");
     app.require_subcommand(1);
+    app.allow_windows_style_options(false); // values and paths may begin with a slash
     app.footer("Exit codes: 0 done, 1 not found, 2 bad input, 3 file cannot be read or written,\n"
                "4 failed, 64 wrong command line.");
+
+    add_env_commands(app);
 
     try {
         app.parse(argc, argv);

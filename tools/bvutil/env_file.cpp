@@ -1,0 +1,141 @@
+#include "tools/bvutil/env_file.h"
+
+#include "tools/bvutil/commands.h"
+#include "tools/bvutil/console.h"
+#include "tools/bvutil/env_tree.h"
+#include "tools/bvutil/whole_file.h"
+
+#include <algorithm>
+#include <string_view>
+
+Environment::Environment(long layer_tag, EnvHandle fallback) : m_env(env_open(layer_tag, fallback)) {
+    if (!m_env) throw CommandFailed(exit_failed, "out of memory");
+}
+
+namespace {
+
+constexpr std::string_view text_ends = "\x1A\xFF";
+
+// A file's bytes as text mode gives them; at() tells how far the reader came.
+class ByteSource {
+  public:
+    explicit ByteSource(std::string_view bytes) : m_bytes(bytes) {}
+
+    static int BVUTIL_CALL read(void* self) { return static_cast<ByteSource*>(self)->next(); }
+    std::size_t at() const { return m_at; }
+    bool ended() const { return m_ended; }
+
+  private:
+    int next() {
+        if (m_at < m_bytes.size() && m_bytes[m_at] == '\r' && m_bytes.substr(m_at + 1).starts_with('\n'))
+            ++m_at;
+        m_ended = m_at == m_bytes.size() || text_ends.find(m_bytes[m_at]) != text_ends.npos;
+        return m_ended ? -1 : static_cast<signed char>(m_bytes[m_at++]);
+    }
+
+    std::string_view m_bytes;
+    std::size_t m_at = 0;
+    bool m_ended = false;
+};
+
+// "line 3, column 7": of the character that the reader took last, or of the end.
+std::string place_of(const ByteSource& source, std::string_view bytes) {
+    const std::string_view before = bytes.substr(0, source.ended() ? source.at() : source.at() - 1);
+    const auto line = 1 + std::count(before.begin(), before.end(), '\n');
+    const std::size_t line_begin = before.rfind('\n') + 1; // 0 when there is none
+    return "line " + std::to_string(line) + ", column " + std::to_string(before.size() - line_begin + 1);
+}
+
+const char* explanation_of(std::string_view message) {
+    if (message == "Section waited") return "a section, \"[name]\", or an element should be here";
+    if (message == "Equal sign waited") return "the file ends in a name without \"=\"";
+    if (message == "Cbracesymbol waited") return "a block is open that needs its \"}\" first";
+    return "this cannot be read";
+}
+
+Unkept find_unkept(std::string_view bytes) {
+    Unkept unkept;
+    bool in_sections = false;
+    const std::size_t end = std::min(bytes.find_first_of(text_ends), bytes.size());
+    unkept.text_behind = end + 1 < bytes.size();
+    std::string_view rest = bytes.substr(0, end);
+    while (!rest.empty()) {
+        const std::string_view line = rest.substr(0, rest.find('\n'));
+        rest.remove_prefix(std::min(line.size() + 1, rest.size()));
+        if (line.starts_with(';')) {
+            ++unkept.comments;
+        } else if (!in_sections) {
+            const std::size_t bracket = line.find('[');
+            in_sections = bracket != line.npos;
+            unkept.leading_text |= line.substr(0, bracket).find_first_not_of(" \t\r") != line.npos;
+        }
+    }
+    return unkept;
+}
+
+void BVUTIL_CALL write_to_file(int character, void* file) noexcept {
+    const char c = static_cast<char>(character);
+    static_cast<ReplacementFile*>(file)->put(c == '\n' ? std::string_view("\r\n") : std::string_view(&c, 1));
+}
+
+void BVUTIL_CALL write_to_string(int character, void* text) {
+    static_cast<std::string*>(text)->push_back(static_cast<char>(character));
+}
+
+bool same(const TreeNode& a, const TreeNode& b) {
+    return a.kind == b.kind && a.depth == b.depth && a.name == b.name &&
+           std::string_view(a.text ? a.text : "") == std::string_view(b.text ? b.text : "");
+}
+
+// Throws when the second environment is not what the first is.
+void expect_same(EnvHandle env, EnvHandle read_back) {
+    TreeWalk wanted = TreeWalk::consume(env);
+    TreeWalk found = TreeWalk::consume(read_back);
+    for (;;) {
+        const bool more = wanted.next();
+        if (found.next() == more && (!more || same(wanted.node(), found.node()))) {
+            if (more) continue;
+            return;
+        }
+        std::string where =
+            "[" + (more ? wanted.section() : found.section()) + "] " + (more ? wanted.path() : found.path());
+        std::replace(where.begin(), where.end(), walk_delimiter[0], '@');
+        throw CommandFailed(exit_bad_input, "the file would not read back as it was meant, from " + where +
+                                                " on; it is left as it was");
+    }
+}
+
+} // namespace
+
+Unkept load(EnvHandle env, const std::string& path, MessageCapture& messages) {
+    const std::string bytes = read_whole_file(path);
+    ByteSource source(bytes);
+    const EnvStatus status = env_read(&ByteSource::read, &source, env);
+    if (status == ENV_OK) return find_unkept(bytes);
+    const std::string message = messages.take();
+    if (status == ENV_SYNTAX)
+        throw CommandFailed(exit_bad_input, path + ", " + place_of(source, bytes) + ": " + message + ": " +
+                                                explanation_of(message));
+    throw CommandFailed(exit_failed, path + ": " + (message.empty() ? "out of memory" : message));
+}
+
+void save(EnvHandle env, const std::string& path, MessageCapture& messages) {
+    ReplacementFile file(path);
+    env_write(&write_to_file, &file, env);
+    file.close();
+    const Environment read_back;
+    try {
+        load(read_back.get(), file.path(), messages);
+    } catch (const CommandFailed& failure) {
+        if (failure.code() != exit_bad_input) throw;
+        // What did not read whole is told by the place where it differs.
+    }
+    expect_same(env, read_back.get());
+    file.replace();
+}
+
+void print_text(EnvHandle env) {
+    std::string text;
+    env_write(&write_to_string, &text, env);
+    print(text);
+}
