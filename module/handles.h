@@ -8,6 +8,8 @@
 #include <utility>
 #include <windows.h>
 
+#include <oleauto.h> // needs windows.h before it
+
 // Owns one handle. Traits: `type`, `static type none()`, `static void close(type) noexcept`. Closing keeps
 // the thread's last error, so that an early return can still report why.
 template <class Traits>
@@ -83,6 +85,9 @@ template <class Object>
 struct gdi_object : null_is_none<Object> {
     static void close(Object object) noexcept { DeleteObject(object); }
 };
+struct bstr : null_is_none<BSTR> {
+    static void close(BSTR text) noexcept { SysFreeString(text); }
+};
 template <class Interface>
 struct com : null_is_none<Interface*> {
     static void close(Interface* pointer) noexcept { pointer->Release(); }
@@ -101,6 +106,7 @@ using unique_global = unique_handle<handle_traits::global_memory>;
 using unique_bitmap = unique_handle<handle_traits::gdi_object<HBITMAP>>;
 using unique_brush = unique_handle<handle_traits::gdi_object<HBRUSH>>;
 using unique_region = unique_handle<handle_traits::gdi_object<HRGN>>;
+using unique_bstr = unique_handle<handle_traits::bstr>;
 
 template <class Interface>
 class com_ptr : public unique_handle<handle_traits::com<Interface>> {

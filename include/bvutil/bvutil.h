@@ -5,6 +5,7 @@
 #define BVUTIL_BVUTIL_H
 
 #include "bvutil/api.h"
+#include "bvutil/calculator.h"
 #include "bvutil/env.h"
 #include "bvutil/filter_host.h"
 #include "bvutil/locations.h"

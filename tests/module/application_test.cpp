@@ -1,6 +1,6 @@
 // The application object: start, stop and resources.
 #include "module/resource.h"
-#include "tests/support/temp_dir.h"
+#include "tests/support/second_copy.h"
 
 #include <gtest/gtest.h>
 
@@ -45,32 +45,6 @@ TEST(Resources, TellTheVersion) {
     EXPECT_EQ(HIWORD(info->dwFileVersionMS), 1);
     EXPECT_EQ(info->dwFileType, static_cast<DWORD>(VFT_DLL));
 }
-
-// A copy under another name is a module of its own, so that it can be unloaded.
-class SecondCopy {
-  public:
-    SecondCopy() {
-        char path[MAX_PATH];
-        GetModuleFileNameA(the_library, path, MAX_PATH);
-        const std::string copy = m_dir.file("copy.dll");
-        CopyFileA(path, copy.c_str(), FALSE);
-        m_module = LoadLibraryA(copy.c_str());
-    }
-    ~SecondCopy() { unload(); }
-    void unload() {
-        if (m_module) FreeLibrary(m_module);
-        m_module = nullptr;
-    }
-    template <class Function>
-    Function* function(const char* name) const {
-        return reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(m_module, name)));
-    }
-    const TempDir& dir() const { return m_dir; }
-
-  private:
-    TempDir m_dir;
-    HMODULE m_module = nullptr;
-};
 
 struct ComStates {
     HRESULT inside = E_FAIL;
