@@ -3,7 +3,7 @@
 # Usage: cmake/setup.sh [build|test|fuzz]...   (default: build test)
 set -euo pipefail
 
-wanted_build=(cmake ninja-build g++-mingw-w64-i686-posix libcli11-dev)
+wanted_build=(cmake ninja-build g++-mingw-w64-i686-posix libcli11-dev llvm-14)
 wanted_test=(wine wine32:i386 googletest g++ g++-multilib clang-format)
 wanted_fuzz=(clang-14 libclang-rt-14-dev lld-14 llvm-14 g++-multilib)
 

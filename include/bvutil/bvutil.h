@@ -8,10 +8,12 @@
 #include "bvutil/calculator.h"
 #include "bvutil/env.h"
 #include "bvutil/filter_host.h"
+#include "bvutil/gdi_bitmaps.h"
 #include "bvutil/locations.h"
 #include "bvutil/messages.h"
 #include "bvutil/numeric.h"
 #include "bvutil/strings.h"
+#include "bvutil/text_exchange.h"
 #include "bvutil/triangulation.h"
 
 #ifdef __cplusplus

@@ -1,0 +1,50 @@
+#include "imaging/base64.h"
+
+#include "imaging/base64_kernels.h"
+
+#include <array>
+#include <cstring>
+
+namespace {
+
+constexpr char alphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+
+// The two characters of every 12-bit value.
+constexpr auto pairs = [] {
+    std::array<std::array<char, 2>, 4096> table{};
+    for (std::size_t value = 0; value < table.size(); ++value)
+        table[value] = {alphabet[value >> 6], alphabet[value & 63]};
+    return table;
+}();
+
+void encode_group(const std::uint8_t* from, char* to) {
+    const unsigned bits = from[0] * 0x10000u + from[1] * 0x100u + from[2];
+    std::memcpy(to, pairs[bits >> 12].data(), 2);
+    std::memcpy(to + 2, pairs[bits & 0xFFF].data(), 2);
+}
+
+std::size_t encode_vectors(std::span<const std::uint8_t> bytes, char* out, CpuLevel level) {
+    switch (level) {
+    case CpuLevel::avx2:
+        return base64_encode_avx2(bytes.data(), bytes.size(), out);
+    case CpuLevel::ssse3:
+        return base64_encode_ssse3(bytes.data(), bytes.size(), out);
+    default:
+        return 0;
+    }
+}
+
+} // namespace
+
+void base64_encode(std::span<const std::uint8_t> bytes, char* out, CpuLevel level) {
+    const std::size_t done = encode_vectors(bytes, out, level);
+    bytes = bytes.subspan(done);
+    out += done / 3 * 4;
+    for (; bytes.size() >= 3; bytes = bytes.subspan(3), out += 4)
+        encode_group(bytes.data(), out);
+    if (bytes.empty()) return;
+    std::uint8_t last[3] = {};
+    std::memcpy(last, bytes.data(), bytes.size());
+    encode_group(last, out);
+    std::memset(out + bytes.size() + 1, '=', 3 - bytes.size());
+}

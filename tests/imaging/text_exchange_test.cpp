@@ -1,0 +1,106 @@
+#include "bvutil/text_exchange.h"
+#include "tests/support/temp_dir.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace {
+
+struct Conversion {
+    const char* text;
+    std::string expected; // with its terminating zero; empty when the call gives 0
+};
+
+using Function = int(BVUTIL_CALL*)(const char*, char*);
+
+void check(Function convert, const Conversion& c) {
+    char out[40];
+    memset(out, '#', sizeof out);
+    EXPECT_EQ(convert(c.text, out), c.expected.empty() ? 0 : 1) << c.text;
+    EXPECT_EQ(std::string(out, c.expected.size() + 1), c.expected + '#') << c.text;
+}
+
+std::string with_zero(const std::string& text) {
+    return text + '\0';
+}
+
+TEST(TextExchange, ReducesUtf8ToLowBytes) {
+    const Conversion cases[] = {
+        {"", ""},
+        {"abc", with_zero("abc")},
+        {"\xC3\xA4\xC3\xBF", with_zero("\xE4\xFF")},
+        {"\xE2\x82\xAC", with_zero("\xAC")},                         // U+20AC
+        {"a\xC4\x80z", std::string("a\0z\0", 4)},                    // U+0100 leaves a zero byte
+        {"\xF0\x9F\x98\x80", with_zero(std::string("\x3D\x00", 2))}, // U+D83D U+DE00
+    };
+    for (const Conversion& c : cases)
+        check(ConvertFromUTF8, c);
+    EXPECT_EQ(ConvertFromUTF8(nullptr, nullptr), 0);
+    EXPECT_EQ(ConvertFromUTF8("a", nullptr), 0);
+}
+
+TEST(TextExchange, ConvertsAnsiTextToUtf8) {
+    ASSERT_EQ(GetACP(), 1252u);
+    const Conversion cases[] = {{"", ""},
+                                {"abc", with_zero("abc")},
+                                {"\xE4\xFF", with_zero("\xC3\xA4\xC3\xBF")},
+                                {"\x80", with_zero("\xE2\x82\xAC")}};
+    for (const Conversion& c : cases)
+        check(ConvertToUTF8, c);
+    char out[1];
+    EXPECT_EQ(ConvertToUTF8(nullptr, out), 0);
+    EXPECT_EQ(ConvertToUTF8("a", nullptr), 0);
+}
+
+TEST(TextExchange, ConvertsInPlaceAndWithoutALimit) {
+    std::string text;
+    for (int i = 0; i < 100000; ++i)
+        text += "\xC3\xB6x";
+    ASSERT_EQ(ConvertFromUTF8(text.c_str(), text.data()), 1);
+    EXPECT_EQ(std::string(text.c_str()).size(), 200000u);
+    text = text.c_str();
+    text.reserve(300001);
+    ASSERT_EQ(ConvertToUTF8(text.c_str(), text.data()), 1);
+    EXPECT_EQ(std::string(text.c_str()).size(), 300000u);
+}
+
+TEST(TextExchange, GivesAFileAsBase64WithoutItsLastCharacter) {
+    TempDir dir;
+    const std::string path = dir.file("picture.jpg");
+    const struct {
+        std::string bytes, text;
+    } cases[] = {
+        {"", ""},
+        {std::string(1, '\0'), "AA=="},
+        {"\xFF\xFE", "//4="},
+        {"\r\n\x1A", "DQoa"},
+        {"foobarfoobarfoobarfoobarfoobarfoobar", "Zm9vYmFyZm9vYmFyZm9vYmFyZm9vYmFyZm9vYmFyZm9vYmFy"}};
+    for (const auto& c : cases) {
+        write_file(path, c.bytes);
+        int length = -1;
+        EXPECT_EQ(jpgToXML(path.c_str(), nullptr, &length, 1), 1);
+        EXPECT_EQ(length, static_cast<int>(c.text.size()));
+        std::string out(c.text.size() + 4, '#');
+        length = -1;
+        EXPECT_EQ(jpgToXML(path.c_str(), out.data(), &length, 0), 1);
+        const std::size_t copied = c.text.empty() ? 0 : c.text.size() - 1;
+        EXPECT_EQ(out, c.text.substr(0, copied) + std::string(out.size() - copied, '#'));
+        EXPECT_EQ(length, -1);
+    }
+}
+
+TEST(TextExchange, RefusesWhatItCannotRead) {
+    TempDir dir;
+    char out[8];
+    int length = -1;
+    EXPECT_EQ(jpgToXML(dir.file("none.jpg").c_str(), out, &length, 0), 0);
+    EXPECT_EQ(jpgToXML(dir.path().c_str(), out, &length, 1), 0);
+    EXPECT_EQ(jpgToXML(nullptr, out, &length, 0), 0);
+    write_file(dir.file("a"), "abc");
+    EXPECT_EQ(jpgToXML(dir.file("a").c_str(), nullptr, &length, 0), 0);
+    EXPECT_EQ(jpgToXML(dir.file("a").c_str(), out, nullptr, 1), 0);
+    EXPECT_EQ(length, -1);
+}
+
+} // namespace
