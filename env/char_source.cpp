@@ -1,7 +1,5 @@
 #include "env/char_source.h"
 
-#include <array>
-
 namespace env {
 
 namespace {
@@ -10,12 +8,7 @@ constexpr char control_z = '\x1A';
 constexpr char end_byte = '\xFF';
 
 // The characters that cleaning must look at; all others are copied.
-constexpr std::array<bool, 256> special = [] {
-    std::array<bool, 256> table{};
-    for (const char c : {'\0', '\r', '\\', ';', control_z, end_byte})
-        table[static_cast<unsigned char>(c)] = true;
-    return table;
-}();
+using Special = AnyOf<'\0', '\r', '\\', ';', control_z, end_byte>;
 
 bool ends_text(char c) {
     return c == control_z || c == end_byte;
@@ -37,8 +30,7 @@ class Cleaner {
   private:
     void copy_ordinary() {
         const char* const begin = m_in;
-        while (m_in < m_end && !special[static_cast<unsigned char>(*m_in)])
-            ++m_in;
+        m_in += find_byte(m_in, m_end, Special()) - m_in;
         const auto length = static_cast<std::size_t>(m_in - begin);
         if (length == 0) return;
         if (m_out != begin) std::memmove(m_out, begin, length);

@@ -3,11 +3,14 @@
 //
 //   int peek()                            the character at hand as an unsigned byte, -1 at the end
 //   void advance()                        steps over it
+//   void skip_blanks()                    steps over blanks and tabs
+//   void skip_white_space()               and over line ends too
 //   string_view take_until(char, string&) steps up to a character or the end and gives what lies before;
 //                                         it lives as long as the string and the source are left alone
 #pragma once
 
 #include "bvutil/env.h"
+#include "env/byte_scan.h"
 
 #include <cstddef>
 #include <cstring>
@@ -27,6 +30,8 @@ class BufferSource {
 
     int peek() const { return m_at < m_end ? static_cast<unsigned char>(*m_at) : -1; }
     void advance() { ++m_at; }
+    void skip_blanks() { m_at = find_byte(m_at, m_end, NoneOf<' ', '\t'>()); }
+    void skip_white_space() { m_at = find_byte(m_at, m_end, NoneOf<' ', '\t', '\n'>()); }
     std::string_view take_until(char stop, std::string&) {
         const auto rest = static_cast<std::size_t>(m_end - m_at);
         const void* found = rest > 0 ? std::memchr(m_at, stop, rest) : nullptr;
@@ -50,6 +55,14 @@ class CallbackSource {
 
     int peek() const { return m_here; }
     void advance() { m_here = next_joined(); }
+    void skip_blanks() {
+        while (m_here == ' ' || m_here == '\t')
+            advance();
+    }
+    void skip_white_space() {
+        while (m_here == ' ' || m_here == '\t' || m_here == '\n')
+            advance();
+    }
     std::string_view take_until(char stop, std::string& scratch) {
         scratch.clear();
         for (; m_here >= 0 && m_here != static_cast<unsigned char>(stop); advance())

@@ -11,6 +11,11 @@ namespace env {
 
 namespace {
 
+// The first byte of a double-byte character is never ASCII, so most texts need not ask the code page.
+bool is_ascii(std::string_view text) {
+    return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+}
+
 bool is_number(std::string_view token) {
     return std::all_of(token.begin(), token.end(), [](char c) { return c >= '0' && c <= '9'; });
 }
@@ -49,8 +54,12 @@ std::size_t Delimiter::separator_length(std::string_view text) const {
     return found;
 }
 
-std::size_t Delimiter::find(std::string_view text) const {
-    if (!multibyte::active())
+bool Delimiter::is_wide(std::string_view text) const {
+    return !(is_ascii(text) && is_ascii({m_text, m_length})) && multibyte::active();
+}
+
+std::size_t Delimiter::find(std::string_view text, bool wide) const {
+    if (!wide)
         return m_length == 1 ? text.find(m_text[0]) : text.find_first_of(std::string_view(m_text, m_length));
     std::size_t found = std::string_view::npos;
     multibyte::for_each_character(text, [&](std::size_t at, std::size_t) {
@@ -61,7 +70,7 @@ std::size_t Delimiter::find(std::string_view text) const {
 }
 
 std::size_t Delimiter::find_last_joint(std::string_view text) const {
-    if (!multibyte::active()) return text.rfind(m_text[0]);
+    if (!is_wide(text)) return text.rfind(m_text[0]);
     std::size_t found = std::string_view::npos;
     multibyte::for_each_character(text, [&](std::size_t at, std::size_t length) {
         if (text.substr(at, length) == joint()) found = at;
@@ -77,7 +86,7 @@ PathReader::PathReader(std::string_view path) : m_rest(path) {
 void PathReader::read_token() {
     const Delimiter& separators = delimiter();
     while (!m_rest.empty()) {
-        const std::size_t end = std::min(separators.find(m_rest), m_rest.size());
+        const std::size_t end = std::min(separators.find(m_rest, m_wide), m_rest.size());
         m_token = m_rest.substr(0, end);
         m_rest.remove_prefix(end);
         if (!m_rest.empty()) m_rest.remove_prefix(separators.separator_length(m_rest));

@@ -19,8 +19,10 @@ class Delimiter {
     std::string_view joint() const;
     // The length of the separator that the text begins with, 0 when it begins with none.
     std::size_t separator_length(std::string_view text) const;
-    // Position of the first separator; npos when there is none.
-    std::size_t find(std::string_view text) const;
+    // Whether splitting the text must mind double-byte characters, in it or in the delimiter.
+    bool is_wide(std::string_view text) const;
+    // Position of the first separator; npos when there is none. `wide` is is_wide() of the text.
+    std::size_t find(std::string_view text, bool wide) const;
     // Position of the last joint; npos when there is none.
     std::size_t find_last_joint(std::string_view text) const;
 
@@ -48,6 +50,7 @@ class PathReader {
   private:
     void read_token();
 
+    bool m_wide;
     std::string_view m_rest;
     std::string_view m_token; // the next one; empty at the end
 };

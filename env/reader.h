@@ -53,10 +53,8 @@ class Reader {
         Element* m_section;
     };
 
-    static bool is_blank(int c) { return c == ' ' || c == '\t'; }
-
     static std::string_view trimmed(std::string_view text) {
-        while (!text.empty() && is_blank(text.back()))
+        while (!text.empty() && (text.back() == ' ' || text.back() == '\t'))
             text.remove_suffix(1);
         return text;
     }
@@ -66,16 +64,6 @@ class Reader {
         return ENV_SYNTAX;
     }
 
-    void skip_blanks() {
-        while (is_blank(m_in.peek()))
-            m_in.advance();
-    }
-
-    void skip_white_space() {
-        while (is_blank(m_in.peek()) || m_in.peek() == '\n')
-            m_in.advance();
-    }
-
     // Whether the token at hand is a name: any other ends a run of elements.
     bool at_name() const {
         const int c = m_in.peek();
@@ -83,7 +71,7 @@ class Reader {
     }
 
     EnvStatus read_section() {
-        skip_blanks();
+        m_in.skip_blanks();
         Draft section(m_tree, trimmed(m_in.take_until(']', m_scratch)));
         if (m_in.peek() >= 0) m_in.advance();
         const EnvStatus status = read_elements(section.get());
@@ -95,7 +83,7 @@ class Reader {
     EnvStatus read_elements(Element* section) {
         Element* parent = section;
         for (;;) {
-            skip_white_space();
+            m_in.skip_white_space();
             if (at_name()) {
                 if (const EnvStatus status = read_element(parent); status != ENV_OK) return status;
                 continue;
@@ -112,7 +100,7 @@ class Reader {
         const std::string_view name = trimmed(m_in.take_until('=', m_scratch));
         if (m_in.peek() != '=') return syntax_error("Equal sign waited");
         m_in.advance();
-        skip_blanks();
+        m_in.skip_blanks();
         if (m_in.peek() == '{') {
             m_in.advance();
             Element* const block = m_tree.create_block(name);
