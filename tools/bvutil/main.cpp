@@ -22,6 +22,7 @@ int main(int argc, char** argv) {
                "4 failed, 64 wrong command line.");
 
     add_env_commands(app);
+    add_where_commands(app);
 
     try {
         app.parse(argc, argv);
