@@ -8,6 +8,7 @@
 #include "bvutil/calculator.h"
 #include "bvutil/env.h"
 #include "bvutil/filter_host.h"
+#include "bvutil/fio.h"
 #include "bvutil/gdi_bitmaps.h"
 #include "bvutil/locations.h"
 #include "bvutil/messages.h"
