@@ -12,6 +12,7 @@
 #include "bvutil/gdi_bitmaps.h"
 #include "bvutil/locations.h"
 #include "bvutil/messages.h"
+#include "bvutil/mini.h"
 #include "bvutil/numeric.h"
 #include "bvutil/strings.h"
 #include "bvutil/text_exchange.h"
