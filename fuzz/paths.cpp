@@ -71,11 +71,21 @@ void check_join(const std::optional<std::string>& base, const std::optional<std:
     const std::string path = make(base, dir, file);
     require(make(none, none, std::optional(path)) == path); // lower case already
     if (multibyte::active()) return;
-    // Bytes are characters: what was placed last stands at the end.
-    std::string tail = make(none, none, file);
-    if (tail.starts_with('\\')) tail.erase(0, 1);
+    // Bytes are characters: what was placed last stands at the end, and a file with a drive alone.
+    const std::string whole = make(none, none, file);
+    const std::string tail = whole.starts_with('\\') ? whole.substr(1) : whole;
     require(path.ends_with(tail));
-    if (file && file->size() > 1 && (*file)[1] == ':') require(path == make(none, none, file));
+    const std::string inner = make(none, dir, file);
+    if (inner.size() < 2 || inner[1] != ':') require(path == make(none, base, std::optional(inner)));
+    if (whole.size() > 1 && whole[1] == ':') {
+        require(path == whole);
+    } else if (!base && !whole.empty()) {
+        const std::string front = make(none, dir, none);
+        const char last = front.empty() ? '/' : front.back();
+        const bool only_drive = front.size() == 2 && last == ':';
+        const bool named = last != '\\' && last != '/' && !only_drive;
+        require(path == front + (named ? "\\" + tail : last == '\\' ? tail : whole));
+    }
 }
 
 } // namespace

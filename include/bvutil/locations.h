@@ -10,8 +10,8 @@
  *  drive C, and only then the next name is.
  *
  *  @warning Looking for the main configuration file returns only when there is one: after mb.ini the search
- *  goes on with mb65535.ini down to mb10.ini and begins again, for ever (kept: programs are in use that are
- *  installed while they wait). A caller that cannot be sure of the file looks for it before.
+ *  goes on with mb65535.ini down to mb10.ini and begins again, for ever (kept: callers rely on it).
+ *  A caller that cannot be sure of the file looks for it before.
  */
 #ifndef BVUTIL_LOCATIONS_H
 #define BVUTIL_LOCATIONS_H
