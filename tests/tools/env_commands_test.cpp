@@ -47,6 +47,8 @@ TEST_F(EnvCommands, ReadsAndReports) {
     write("a.env", tree);
     write("site.env", "[view]\n  unit = mm\n  scale = 7\n[print]\n  paper = A4\n  a@b = odd\n");
     write("broken.env", "[S]\n  a = {\n    b = 1\n[T]\n");
+    write("name.env", "[S]\r\n a = 1\r\n name");
+    write("brace.env", "[S]\r\n a = b\\\r\n }\r\n }");
     write("cut.env", "[S]\n a = 1\n\xFF b = 2\n");
     struct Case {
         Arguments arguments;
@@ -76,6 +78,8 @@ TEST_F(EnvCommands, ReadsAndReports) {
         {{"get", "a.env", "view", "layers", "--as", "long"}, 2, "is a block"},
         {{"list", "a.env", "view", "scale"}, 2, "is a value"},
         {{"check", "broken.env"}, 2, "broken.env, line 4, column 1: Cbracesymbol waited"},
+        {{"check", "name.env"}, 2, "name.env, line 3, column 6: Equal sign waited"},
+        {{"check", "brace.env", "a.env"}, 2, "brace.env, line 3, column 2: Section waited"},
         {{"check", "cut.env"}, 2, "cut.env: a byte 1A or FF"},
         {{"show", "missing.env"}, 3, "\"missing.env\""},
         {{"show", "."}, 3, "is a folder"},
@@ -199,11 +203,17 @@ TEST_F(EnvCommands, Merges) {
 TEST(Samples, TheProgramInCReadsAndChangesSettings) {
     const TempDir dir;
     for (const std::string name : {"user.env", "site.env"})
-        std::filesystem::copy(SAMPLE_SETTINGS_DIR "/" + name, dir.file(name));
+        std::filesystem::copy(SOURCE_DIR "/samples/settings/" + name, dir.file(name));
     const ProgramRun run = run_program("samples\\settings.exe", {"user.env", "site.env"}, dir.path());
     EXPECT_EQ(run.code, 0) << run.err;
     EXPECT_EQ(run.out, "scale 1:50, from the user's layer\r\npaper A4\r\n7 pens, the broadest 1 mm\r\n");
     EXPECT_NE(read_file(dir.file("user.env")).find("    layer ={\r\n      pen =0.35\r\n    }\r\n"),
+              std::string::npos);
+}
+
+// What the README shows is what has just been run.
+TEST(Samples, TheReadmeQuotesTheProgramInC) {
+    EXPECT_NE(read_file(SOURCE_DIR "/README.md").find(read_file(SOURCE_DIR "/samples/c/settings.c")),
               std::string::npos);
 }
 

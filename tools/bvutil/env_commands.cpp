@@ -10,6 +10,7 @@
 
 #include <CLI/CLI.hpp>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -149,21 +150,32 @@ void list(const Arguments& arguments) {
         true);
 }
 
+void check_file(const std::string& file, MessageCapture& messages) {
+    const Environment env;
+    const Unkept unkept = load(env.get(), file, messages);
+    if (unkept.text_behind)
+        throw CommandFailed(exit_bad_input, file + ": a byte 1A or FF ends the text before the file's end");
+    const long sections = env_count_elements(env.get(), nullptr, nullptr, 1);
+    long values = 0;
+    for (TreeWalk walk = TreeWalk::consume(env.get()); walk.next();)
+        values += walk.node().kind == ENV_IS_DATA;
+    print(file + ": " + std::to_string(sections) + (sections == 1 ? " section, " : " sections, ") +
+          std::to_string(values) + (values == 1 ? " value\n" : " values\n"));
+}
+
+// Every file is looked at; the last failure gives the exit code.
 void check(const Arguments& arguments) {
     MessageCapture messages;
+    std::optional<CommandFailed> failure;
     for (const std::string& file : arguments.files) {
-        const Environment env;
-        const Unkept unkept = load(env.get(), file, messages);
-        if (unkept.text_behind)
-            throw CommandFailed(exit_bad_input,
-                                file + ": a byte 1A or FF ends the text before the file's end");
-        const long sections = env_count_elements(env.get(), nullptr, nullptr, 1);
-        long values = 0;
-        for (TreeWalk walk = TreeWalk::consume(env.get()); walk.next();)
-            values += walk.node().kind == ENV_IS_DATA;
-        print(file + ": " + std::to_string(sections) + (sections == 1 ? " section, " : " sections, ") +
-              std::to_string(values) + (values == 1 ? " value\n" : " values\n"));
+        try {
+            check_file(file, messages);
+        } catch (const CommandFailed& failed) {
+            if (failure) print_error(failure->what());
+            failure = failed;
+        }
     }
+    if (failure) throw CommandFailed(*failure);
 }
 
 // A file that a command changes.
@@ -341,6 +353,9 @@ void add_writers(CLI::App& group) {
 void add_env_commands(CLI::App& app) {
     CLI::App& group = *app.add_subcommand("env", "Settings files: sections of named values and blocks");
     group.require_subcommand(1);
+    add_readers(group);
+    add_writers(group);
+    // Last: the commands show the exit codes instead.
     group.footer(
         "A file is changed by writing it anew beside itself, reading that back and then putting it in\n"
         "its place: a failure loses nothing. Comments are not kept.\n"
@@ -350,6 +365,4 @@ void add_env_commands(CLI::App& app) {
         "  bvutil env get user.env view scale --as double --fallback site.env\n"
         "  bvutil env set user.env view layers@name@2 roofs\n"
         "  bvutil env merge user.env site.env --mode keep");
-    add_readers(group);
-    add_writers(group);
 }

@@ -97,8 +97,9 @@ void expect_same(EnvHandle env, EnvHandle read_back) {
             if (more) continue;
             return;
         }
-        std::string where =
-            "[" + (more ? wanted.section() : found.section()) + "] " + (more ? wanted.path() : found.path());
+        const TreeWalk& there = more ? wanted : found;
+        std::string where = "[" + there.section() + "]";
+        if (!there.path().empty()) where.append(" ").append(there.path());
         std::replace(where.begin(), where.end(), walk_delimiter[0], '@');
         throw CommandFailed(exit_bad_input, "the file would not read back as it was meant, from " + where +
                                                 " on; it is left as it was");

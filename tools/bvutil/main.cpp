@@ -8,6 +8,17 @@
 #include <io.h>
 #include <windows.h>
 
+namespace {
+
+// The arguments come in the ANSI code page: a character that it lacks has become another one.
+bool arguments_are_ansi() {
+    BOOL replaced = FALSE;
+    WideCharToMultiByte(CP_ACP, WC_NO_BEST_FIT_CHARS, GetCommandLineW(), -1, nullptr, 0, nullptr, &replaced);
+    return !replaced;
+}
+
+} // namespace
+
 int main(int argc, char** argv) {
     SetConsoleOutputCP(CP_UTF8);
     // Output is written as it is, so that what is piped or redirected has the same bytes everywhere.
@@ -24,6 +35,10 @@ int main(int argc, char** argv) {
     add_env_commands(app);
     add_where_commands(app);
 
+    if (!arguments_are_ansi()) {
+        print_error("an argument holds a character that code page " + std::to_string(GetACP()) + " lacks");
+        return exit_usage;
+    }
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
