@@ -79,7 +79,7 @@ TEST_F(EnvCommands, ReadsAndReports) {
         {{"list", "a.env", "view", "scale"}, 2, "is a value"},
         {{"check", "broken.env"}, 2, "broken.env, line 4, column 1: Cbracesymbol waited"},
         {{"check", "name.env"}, 2, "name.env, line 3, column 6: Equal sign waited"},
-        {{"check", "brace.env", "a.env"}, 2, "brace.env, line 3, column 2: Section waited"},
+        {{"check", "brace.env", "a.env"}, 2, "brace.env, line 4, column 2: Section waited"},
         {{"check", "cut.env"}, 2, "cut.env: a byte 1A or FF"},
         {{"show", "missing.env"}, 3, "\"missing.env\""},
         {{"show", "."}, 3, "is a folder"},
