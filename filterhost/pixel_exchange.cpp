@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <cstdint>
 #include <limits>
+#include <span>
+#include <type_traits>
 
 namespace {
 
@@ -19,27 +21,45 @@ int planes(const Tile& tile) {
     return tile.hi_plane - tile.lo_plane + 1;
 }
 
-// Calls row_function(pixels, samples, count) for the part of every row that lies both in the tile and in the
-// image. The tile's buffer has a size, so its planes are at least none.
+// The part of a row that lies both in the tile and in the image.
+template <class Byte>
+std::span<Byte> clip_row(const BasicImage<Byte>& image, const Tile& tile, int y) {
+    const std::int64_t row_start = std::int64_t{y} * image.row_bytes;
+    const std::int64_t bytes_left = static_cast<std::int64_t>(image.bytes.size()) - row_start;
+    if (row_start < 0 || bytes_left <= 0) return {};
+    const std::int64_t pixels_in_row = std::min<std::int64_t>(image.width, bytes_left / pixel_bytes);
+    const std::int64_t right = std::min<std::int64_t>(tile.rect.right, pixels_in_row);
+    const std::int64_t left = std::max<std::int64_t>(tile.rect.left, 0);
+    if (left >= right) return {};
+    return image.bytes.subspan(static_cast<std::size_t>(row_start + left * pixel_bytes),
+                               static_cast<std::size_t>((right - left) * pixel_bytes));
+}
+
+// The rows of a tile lie far apart in the image, where the processor does not foresee them.
+constexpr int rows_ahead = 8;
+constexpr std::size_t cache_line = 64;
+
+template <class Byte>
+void prefetch(std::span<Byte> row) {
+    for (std::size_t i = 0; i < row.size(); i += cache_line)
+        __builtin_prefetch(row.data() + i, std::is_const_v<Byte> ? 0 : 1);
+}
+
+// Calls row_function(pixels, samples, count) for every row of the tile that has pixels in the image. The
+// tile's buffer has a size, so its planes are at least none.
 template <class Byte, class Sample, class RowFunction>
 void for_each_row(const BasicImage<Byte>& image, const Tile& tile, Sample* buffer, RowFunction row_function) {
-    const int left = std::max<int>(tile.rect.left, 0);
+    if (tile.rect.right <= 0) return; // else fewer columns are left out than the tile has
     const int top = std::max<int>(tile.rect.top, 0);
     const int bottom = std::min<int>(tile.rect.bottom, image.height);
-    const std::size_t samples_left_out =
-        static_cast<std::size_t>(left - tile.rect.left) * static_cast<std::size_t>(planes(tile));
+    const int columns_left_out = std::max<int>(tile.rect.left, 0) - tile.rect.left;
+    Sample* const first_column = buffer + columns_left_out * planes(tile);
     for (int y = top; y < bottom; ++y) {
-        const std::int64_t row_start = std::int64_t{y} * image.row_bytes;
-        const std::int64_t bytes_left = static_cast<std::int64_t>(image.bytes.size()) - row_start;
-        if (row_start < 0 || bytes_left <= 0) return;
-        const std::int64_t pixels_in_row = std::min<std::int64_t>(image.width, bytes_left / pixel_bytes);
-        const std::int64_t right = std::min<std::int64_t>(tile.rect.right, pixels_in_row);
-        if (left >= right) continue;
-        row_function(
-            image.bytes.data() + row_start + static_cast<std::size_t>(left) * pixel_bytes,
-            buffer + static_cast<std::size_t>(y - tile.rect.top) * static_cast<std::size_t>(tile.row_bytes) +
-                samples_left_out,
-            static_cast<std::size_t>(right - left));
+        if (y + rows_ahead < bottom) prefetch(clip_row(image, tile, y + rows_ahead));
+        const std::span<Byte> row = clip_row(image, tile, y);
+        if (row.empty()) continue;
+        row_function(row.data(), first_column + std::ptrdiff_t{y - tile.rect.top} * tile.row_bytes,
+                     row.size() / pixel_bytes);
     }
 }
 

@@ -95,6 +95,11 @@ TEST(PixelExchange, CopiesExactlyWhatLiesInside) {
     }
 }
 
+TEST(PixelExchange, CountsInEnoughBits) {
+    const Picture picture(4, 4, 16, 64);
+    expect_exact_exchange(picture, Tile({0, -32768, 1, -32767}, -32768, 32767));
+}
+
 TEST(PixelExchange, SizesBuffersByTheRectangleAsAsked) {
     const struct {
         ps::Rect rect;
