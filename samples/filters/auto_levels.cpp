@@ -34,8 +34,9 @@ Table stretching_table(const Histogram& histogram, double pixels) {
     Table table;
     for (int level = 0; level < 256; ++level) {
         const int stretched = high > low ? (level - low) * 255 / (high - low) : level;
-        table[static_cast<std::size_t>(level)] =
-            static_cast<std::uint8_t>(stretched < 0 ? 0 : stretched > 255 ? 255 : stretched);
+        table[static_cast<std::size_t>(level)] = static_cast<std::uint8_t>(stretched < 0     ? 0
+                                                                           : stretched > 255 ? 255
+                                                                                             : stretched);
     }
     return table;
 }
@@ -45,7 +46,8 @@ void stretch_plane(const ps::FilterRecord& record, int plane) {
     const int rows = record.inRect.bottom - record.inRect.top;
     const auto* in = static_cast<const std::uint8_t*>(record.inData) + plane;
     auto* out = static_cast<std::uint8_t*>(record.outData) + plane;
-    const Table table = stretching_table(count_levels(in, record.inRowBytes, columns, rows), double{1} * rows * columns);
+    const Table table =
+        stretching_table(count_levels(in, record.inRowBytes, columns, rows), double{1} * rows * columns);
     for (int y = 0; y < rows; ++y)
         for (int x = 0; x < columns; ++x)
             out[y * record.outRowBytes + x * planes] = table[in[y * record.inRowBytes + x * planes]];
@@ -65,10 +67,15 @@ std::int16_t stretch(ps::FilterRecord& record) {
 
 std::int16_t auto_levels(std::int16_t selector, ps::FilterRecord& record, std::int32_t&) {
     switch (selector) {
-    case ps::selector_prepare: return is_rgb(record) ? ps::result_ok : ps::result_filter_bad_mode;
-    case ps::selector_start: request_rgb(record, record.filterRect, record.filterRect); return ps::result_ok;
-    case ps::selector_continue: return stretch(record);
-    default: return ps::result_ok;
+    case ps::selector_prepare:
+        return is_rgb(record) ? ps::result_ok : ps::result_filter_bad_mode;
+    case ps::selector_start:
+        request_rgb(record, record.filterRect, record.filterRect);
+        return ps::result_ok;
+    case ps::selector_continue:
+        return stretch(record);
+    default:
+        return ps::result_ok;
     }
 }
 

@@ -49,7 +49,8 @@ Ink ink_setting(const char* variable, Ink otherwise) {
     const char* text = std::getenv(variable);
     unsigned red, green, blue;
     if (!text || std::sscanf(text, "%2x%2x%2x", &red, &green, &blue) != 3) return otherwise;
-    return {static_cast<std::uint8_t>(red), static_cast<std::uint8_t>(green), static_cast<std::uint8_t>(blue)};
+    return {static_cast<std::uint8_t>(red), static_cast<std::uint8_t>(green),
+            static_cast<std::uint8_t>(blue)};
 }
 
 // Lightness as the eye weighs the colours, in 256ths.
@@ -88,7 +89,8 @@ void shrink(const ps::FilterRecord& record, std::uint8_t* small) {
     const auto* in = static_cast<const std::uint8_t*>(record.inData);
     for (int y = 0; y < small_height; ++y)
         for (int x = 0; x < small_width; ++x, small += planes)
-            std::memcpy(small, in + y * rows / small_height * record.inRowBytes + x * columns / small_width * planes,
+            std::memcpy(small,
+                        in + y * rows / small_height * record.inRowBytes + x * columns / small_width * planes,
                         planes);
 }
 
@@ -208,10 +210,14 @@ std::int16_t duotone(std::int16_t selector, ps::FilterRecord& record, std::int32
                                 ink_setting("DUOTONE_LIGHT", {0xFF, 0xF1, 0xD6})};
         return save_settings(record, settings) ? ps::result_ok : ps::result_out_of_memory;
     }
-    case ps::selector_prepare: return is_rgb(record) ? ps::result_ok : ps::result_filter_bad_mode;
-    case ps::selector_start: return start(record);
-    case ps::selector_continue: return work(record);
-    default: return ps::result_ok;
+    case ps::selector_prepare:
+        return is_rgb(record) ? ps::result_ok : ps::result_filter_bad_mode;
+    case ps::selector_start:
+        return start(record);
+    case ps::selector_continue:
+        return work(record);
+    default:
+        return ps::result_ok;
     }
 }
 

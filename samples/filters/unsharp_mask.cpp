@@ -48,7 +48,8 @@ ps::Rect widened(const ps::Rect& rect, int reach, const ps::Rect& limits) {
 // One tile: the blur goes first across, then down; beyond the image its edge pixels repeat.
 class Sharpener {
   public:
-    explicit Sharpener(const Settings& settings) : m_weights(gaussian(settings.radius)), m_amount(settings.amount) {}
+    explicit Sharpener(const Settings& settings)
+        : m_weights(gaussian(settings.radius)), m_amount(settings.amount) {}
 
     int reach() const { return static_cast<int>(m_weights.size()) - 1; }
 
@@ -65,7 +66,8 @@ class Sharpener {
         const int width = out_columns * planes;
         m_across.resize(static_cast<std::size_t>(in_rows) * static_cast<std::size_t>(width));
         for (int y = 0; y < in_rows; ++y)
-            blur_across(in + y * record.inRowBytes, in_columns, left, out_columns, m_across.data() + y * width);
+            blur_across(in + y * record.inRowBytes, in_columns, left, out_columns,
+                        m_across.data() + y * width);
         m_blurred.resize(static_cast<std::size_t>(width));
         for (int y = 0; y < out_rows; ++y) {
             blur_down(top + y, in_rows, width);
@@ -82,7 +84,8 @@ class Sharpener {
                 };
                 float sum = m_weights[0] * sample(left + x);
                 for (int i = 1; i <= reach(); ++i)
-                    sum += m_weights[static_cast<std::size_t>(i)] * (sample(left + x - i) + sample(left + x + i));
+                    sum += m_weights[static_cast<std::size_t>(i)] *
+                           (sample(left + x - i) + sample(left + x + i));
                 out[x * planes + plane] = sum;
             }
     }
@@ -158,9 +161,12 @@ std::int16_t unsharp_mask(std::int16_t selector, ps::FilterRecord& record, std::
                                 number_setting("UNSHARP_AMOUNT", 1, 0, 10)};
         return save_settings(record, settings) ? ps::result_ok : ps::result_out_of_memory;
     }
-    case ps::selector_prepare: return is_rgb(record) ? ps::result_ok : ps::result_filter_bad_mode;
-    case ps::selector_start: return start(record);
-    default: return ps::result_ok;
+    case ps::selector_prepare:
+        return is_rgb(record) ? ps::result_ok : ps::result_filter_bad_mode;
+    case ps::selector_start:
+        return start(record);
+    default:
+        return ps::result_ok;
     }
 }
 

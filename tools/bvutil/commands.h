@@ -30,3 +30,4 @@ class CommandFailed : public std::runtime_error {
 
 void add_env_commands(CLI::App& app);
 void add_where_commands(CLI::App& app);
+void add_filter_commands(CLI::App& app);
