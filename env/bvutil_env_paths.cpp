@@ -91,8 +91,9 @@ EnvStatus BVUTIL_CALL env_create_path(long bufsize, char* buf, const char* first
 EnvStatus BVUTIL_CALL env_create_array_path(long bufsize, char* buf, const char* const* components) {
     if (bufsize < 1) return ENV_TOO_SMALL;
     if (!buf) return ENV_INVALID;
-    PathWriter path(buf, static_cast<std::size_t>(bufsize));
+    buf[0] = '\0';
     if (!components) return ENV_INVALID;
+    PathWriter path(buf, static_cast<std::size_t>(bufsize));
     for (; *components; ++components)
         if (!path.add(*components)) return ENV_TOO_SMALL;
     return ENV_OK;

@@ -105,10 +105,6 @@ Component PathReader::next() {
     return component;
 }
 
-PathWriter::PathWriter(char* buffer, std::size_t size) : m_buffer(buffer), m_size(size) {
-    m_buffer[0] = '\0';
-}
-
 bool PathWriter::add(std::string_view component) {
     const std::string_view joint = m_empty ? std::string_view{} : delimiter().joint();
     // Compared so that no sum can wrap.
@@ -117,10 +113,10 @@ bool PathWriter::add(std::string_view component) {
         m_buffer[0] = '\0';
         return false;
     }
-    std::memcpy(m_buffer + m_length, joint.data(), joint.size());
-    m_length += joint.size();
-    std::memcpy(m_buffer + m_length, component.data(), component.size());
-    m_length += component.size();
+    for (const std::string_view part : {joint, component}) {
+        if (!part.empty()) std::memmove(m_buffer + m_length, part.data(), part.size());
+        m_length += part.size();
+    }
     m_buffer[m_length] = '\0';
     m_empty = false;
     return true;

@@ -55,11 +55,11 @@ class PathReader {
     std::string_view m_token; // the next one; empty at the end
 };
 
-// Joins components to a path in a caller's buffer.
+// Joins components to a path in a caller's buffer; the first may stand in the buffer already.
 class PathWriter {
   public:
     // The buffer must have room for one byte.
-    PathWriter(char* buffer, std::size_t size);
+    PathWriter(char* buffer, std::size_t size) : m_buffer(buffer), m_size(size) {}
     // Appends a component; when it does not fit, empties the buffer and gives false.
     bool add(std::string_view component);
 
