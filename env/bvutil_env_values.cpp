@@ -46,28 +46,34 @@ using ScanValue = Scan (*)(std::string_view, ScanSink&);
 template <class T>
 EnvStatus get_value(const Address& address, bool exact, T* value, ScanSink (*slots)(T*, std::size_t),
                     ScanValue scan) {
+    if (!value) return ENV_INVALID;
     const Text read = read_text(address, exact);
     if (!read.text) return read.status;
     T scanned{};
     ScanSink sink = slots(&scanned, 1);
     if (scan(read.text, sink).result != scan_matched) return ENV_SYNTAX;
-    store(value, scanned);
+    *value = scanned;
     return read.status;
 }
 
-// A list into the caller's array; the count is 0 unless all went well.
-EnvStatus get_list(const Address& address, bool exact, long* count, ScanSink sink, ScanValue scan) {
+std::size_t capacity_of(const long* count) {
+    return count && *count > 0 ? static_cast<std::size_t>(*count) : 0;
+}
+
+// A list into the caller's array, to which the sink leads; the count is 0 unless all went well.
+EnvStatus get_list(const Address& address, bool exact, long* count, const void* items, ScanSink sink,
+                   ScanValue scan) {
+    if (!count) return ENV_INVALID;
     *count = 0;
-    const Text read = read_text(address, exact);
-    if (!read.text) return read.status;
-    if (scan(read.text, sink).result != scan_matched) return ENV_SYNTAX;
-    if (sink.overflowed()) return ENV_TOO_SMALL;
-    *count = static_cast<long>(sink.filled());
-    return read.status;
-}
-
-std::size_t capacity_of(const long* count, const void* items) {
-    return items && *count > 0 ? static_cast<std::size_t>(*count) : 0;
+    return for_handle(address.env, [&]() -> EnvStatus {
+        if (!items) return ENV_INVALID;
+        const Text read = read_text(address, exact);
+        if (!read.text) return read.status;
+        if (scan(read.text, sink).result != scan_matched) return ENV_SYNTAX;
+        if (sink.overflowed()) return ENV_TOO_SMALL;
+        *count = static_cast<long>(sink.filled());
+        return read.status;
+    });
 }
 
 // The C locale's number format for its lifetime: the decimal point does not depend on what the program chose.
@@ -120,10 +126,11 @@ EnvStatus BVUTIL_CALL env_get_core(EnvHandle env, const char* section, const cha
 EnvStatus BVUTIL_CALL env_get(EnvHandle env, const char* section, const char* path, int exact, long buf_size,
                               char* buf) {
     return for_handle(env, [&]() -> EnvStatus {
+        if (!buf) return ENV_INVALID;
         const Text read = read_text({env, section, path}, exact != 0);
         if (!read.text) return read.status;
         const std::size_t size = std::strlen(read.text) + 1;
-        if (!buf || buf_size < 0 || size > static_cast<std::size_t>(buf_size)) return ENV_TOO_SMALL;
+        if (buf_size < 0 || size > static_cast<std::size_t>(buf_size)) return ENV_TOO_SMALL;
         std::memcpy(buf, read.text, size);
         return read.status;
     });
@@ -131,9 +138,10 @@ EnvStatus BVUTIL_CALL env_get(EnvHandle env, const char* section, const char* pa
 
 EnvStatus BVUTIL_CALL env_get_reference(EnvHandle env, const char* section, const char* path, int exact,
                                         const char** text_out) {
-    return for_handle(env, [&] {
+    return for_handle(env, [&]() -> EnvStatus {
+        if (!text_out) return ENV_INVALID;
         const Text read = read_text({env, section, path}, exact != 0);
-        if (read.text) store(text_out, read.text);
+        if (read.text) *text_out = read.text;
         return read.status;
     });
 }
@@ -141,7 +149,7 @@ EnvStatus BVUTIL_CALL env_get_reference(EnvHandle env, const char* section, cons
 EnvStatus BVUTIL_CALL env_get_string(EnvHandle env, const char* section, const char* path, int exact, long,
                                      char* buf) {
     const char* text = "";
-    const EnvStatus status = env_get_reference(env, section, path, exact, &text);
+    const EnvStatus status = env_get_reference(env, section, path, exact, buf ? &text : nullptr);
     if (buf) std::strcpy(buf, text);
     return status;
 }
@@ -162,45 +170,31 @@ EnvStatus BVUTIL_CALL env_get_double(EnvHandle env, const char* section, const c
 
 EnvStatus BVUTIL_CALL env_get_longs(EnvHandle env, const char* section, const char* path, int exact,
                                     long* count, long* values) {
-    if (!count) return ENV_INVALID;
-    const std::size_t capacity = capacity_of(count, values);
-    *count = 0;
-    return for_handle(env, [&] {
-        return get_list({env, section, path}, exact != 0, count, ScanSink::longs(values, capacity),
-                        scan_longs);
-    });
+    return get_list({env, section, path}, exact != 0, count, values,
+                    ScanSink::longs(values, capacity_of(count)), scan_longs);
 }
 
 EnvStatus BVUTIL_CALL env_get_doubles(EnvHandle env, const char* section, const char* path, int exact,
                                       long* count, double* values) {
-    if (!count) return ENV_INVALID;
-    const std::size_t capacity = capacity_of(count, values);
-    *count = 0;
-    return for_handle(env, [&] {
-        return get_list({env, section, path}, exact != 0, count, ScanSink::doubles(values, capacity),
-                        scan_doubles);
-    });
+    return get_list({env, section, path}, exact != 0, count, values,
+                    ScanSink::doubles(values, capacity_of(count)), scan_doubles);
 }
 
 EnvStatus BVUTIL_CALL env_get_strings(EnvHandle env, const char* section, const char* path, int exact,
                                       long* count, long item_size, char** items) {
-    if (!count) return ENV_INVALID;
-    const std::size_t capacity = capacity_of(count, items);
     const std::size_t size = static_cast<std::size_t>(std::max(item_size, 0L));
-    *count = 0;
-    return for_handle(env, [&] {
-        return get_list({env, section, path}, exact != 0, count, ScanSink::words(items, capacity, size),
-                        scan_words);
-    });
+    return get_list({env, section, path}, exact != 0, count, items,
+                    ScanSink::words(items, capacity_of(count), size), scan_words);
 }
 
 EnvStatus BVUTIL_CALL env_get_external(EnvHandle env, const char* section, const char* path, int exact,
                                        long* value) {
     return for_handle(env, [&]() -> EnvStatus {
+        if (!value) return ENV_INVALID;
         const Found found = find_for_read({env, section, path}, exact != 0, 0);
         if (!found) return found.status;
         if (found.status != ENV_IS_EXTERNAL) return ENV_IS_EXTERNAL; // "not an external"
-        store<long>(value, found.element->value);
+        *value = found.element->value;
         return static_cast<EnvStatus>(found.layer->layer_tag);
     });
 }

@@ -181,7 +181,8 @@ BVUTIL_API EnvStatus BVUTIL_CALL env_get_next(long name_size, char* name_buf, lo
 /** @} */
 /** @name Reading values
  *  Each looks in the fallback layers when (section, path) is missing, and returns the tag of the layer that
- *  answered. Outputs are untouched on failure unless a function says otherwise.
+ *  answered. Outputs are untouched on failure unless a function says otherwise; a null one is #ENV_INVALID
+ *  except where a function allows it.
  *  @{ */
 
 /** Reads an element without copying: by position when @p pos is above 0 (as env_get_pos()), else by path.
