@@ -79,7 +79,7 @@ std::size_t Delimiter::find_last_joint(std::string_view text) const {
     return found;
 }
 
-PathReader::PathReader(std::string_view path) : m_rest(path) {
+PathReader::PathReader(std::string_view path) : m_wide(delimiter().is_wide(path)), m_rest(path) {
     read_token();
 }
 
