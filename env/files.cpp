@@ -45,11 +45,24 @@ bool refuse_sub(EnvHandle env, const char* message) {
     return env->is_sub();
 }
 
+// A callback that reads into the environment that is being read would take the tree from under the reader.
+class BeingRead {
+  public:
+    explicit BeingRead(EnvHandle env) : m_busy(env), m_env(env) { m_env->being_read = true; }
+    ~BeingRead() { m_env->being_read = false; }
+    BeingRead(const BeingRead&) = delete;
+    BeingRead& operator=(const BeingRead&) = delete;
+
+  private:
+    const Busy m_busy;
+    EnvHandle m_env;
+};
+
 } // namespace
 
 EnvStatus read_from(EnvReadChar read_char, void* source, EnvHandle env) {
-    if (refuse_sub(env, "can not read subenv")) return ENV_INVALID;
-    const Busy reading(env);
+    if (refuse_sub(env, "can not read subenv") || env->being_read) return ENV_INVALID;
+    const BeingRead reading(env);
     env->tree().clear();
     return read_sections(CallbackSource(read_char, source), env);
 }
@@ -60,7 +73,7 @@ EnvStatus read_from_file(const char* file_name, EnvHandle env) {
         report(("cann't open to read: " + std::string(file_name)).c_str());
         return ENV_INVALID;
     }
-    if (refuse_sub(env, "can not read subenv")) return ENV_INVALID;
+    if (refuse_sub(env, "can not read subenv") || env->being_read) return ENV_INVALID;
     std::vector<char> bytes = read_all(file.get());
     env->tree().clear();
     return read_sections(BufferSource({bytes.data(), clean_text(bytes.data(), bytes.size())}), env);

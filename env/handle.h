@@ -26,7 +26,8 @@ struct EnvHandleRecord {
     EnvHandleRecord* opened_from; // sub-environments
     EnvHandleRecord* fallback;
     long layer_tag;
-    int open_subs = 0; // sub-environments, layered environments and walks that refer to this
+    int open_subs = 0;       // sub-environments, layered environments and walks that refer to this
+    bool being_read = false; // a section under construction hangs on its tree
 };
 
 namespace env {

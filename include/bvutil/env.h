@@ -295,7 +295,8 @@ typedef void(BVUTIL_CALL* EnvWriteChar)(int character, void* sink);
 /** Replaces all sections of a main environment by those read from @p read_char, which is called until it
  *  returns -1 or the text is found wrong. After a syntax error, which a message tells, the sections
  *  completed before it are there. NUL characters are dropped.
- *  @return 0; #ENV_SYNTAX; #ENV_INVALID (null arguments, a sub-environment: "can not read subenv"). */
+ *  @return 0; #ENV_SYNTAX; #ENV_INVALID (null arguments, a sub-environment: "can not read subenv", an
+ *          environment that is being read, by its own callback). */
 BVUTIL_API EnvStatus BVUTIL_CALL env_read(EnvReadChar read_char, void* source, EnvHandle env);
 
 /** The same from a file, in text mode; a byte 0xFF ends it. @return As env_read(); #ENV_INVALID with the
