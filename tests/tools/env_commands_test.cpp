@@ -133,7 +133,7 @@ TEST_F(EnvCommands, RefusesWhatWouldBeLost) {
         {{"a.env", "view", "t", " x"}, 2, "blanks"},
         {{"a.env", "view", "t", "x\ny"}, 2, "one line"},
         {{"a.env", "view", "t", "x\xFFy"}, 2, "FF"},
-        {{"a.env", "view", "t", before_fold + "\\x"}, 2, "would not read back as it was meant, from [view]"},
+        {{"a.env", "view", "t", before_fold + "\\x"}, 2, "as it was meant at [view] t@1, whose line"},
         {{"a.env", "view", "a=b", "x"}, 2, "would not read back"},
         {{"a.env", "a]b", "t", "x"}, 2, "would not read back"},
         {{"a.env", "view", "[a", "x"}, 2, "would not read back"},

@@ -87,6 +87,36 @@ bool same(const TreeNode& a, const TreeNode& b) {
            std::string_view(a.text ? a.text : "") == std::string_view(b.text ? b.text : "");
 }
 
+// Whether the library folds the node's line right behind a backslash: the reader then misses the fold.
+bool folds_behind_backslash(const TreeNode& node) {
+    constexpr std::size_t fold = 60;
+    const std::string line = std::string(node.name).append(" =").append(node.text ? node.text : "");
+    const std::size_t level = 2 * node.depth + 1;
+    for (std::size_t column = fold - level % fold; column < line.size(); column += fold)
+        if (line.find_last_not_of(' ', column - 1) == line.rfind('\\', column - 1) &&
+            line.rfind('\\', column - 1) != line.npos)
+            return true;
+    return false;
+}
+
+std::string place_in(const TreeWalk& walk) {
+    std::string place = "[" + walk.section() + "]";
+    if (!walk.path().empty()) place.append(" ").append(walk.path());
+    std::replace(place.begin(), place.end(), walk_delimiter[0], '@');
+    return place;
+}
+
+// Where the walk, which has met a difference, stands; or the value behind it that is the cause: a section
+// that cannot be read differs as a whole.
+std::string place_of_difference(TreeWalk& walk) {
+    const std::string here = place_in(walk);
+    do {
+        if (folds_behind_backslash(walk.node()))
+            return place_in(walk) + ", whose line would be folded behind a backslash";
+    } while (walk.next() && walk.node().depth > 0);
+    return here;
+}
+
 // Throws when the second environment is not what the first is.
 void expect_same(EnvHandle env, EnvHandle read_back) {
     TreeWalk wanted = TreeWalk::consume(env);
@@ -97,12 +127,9 @@ void expect_same(EnvHandle env, EnvHandle read_back) {
             if (more) continue;
             return;
         }
-        const TreeWalk& there = more ? wanted : found;
-        std::string where = "[" + there.section() + "]";
-        if (!there.path().empty()) where.append(" ").append(there.path());
-        std::replace(where.begin(), where.end(), walk_delimiter[0], '@');
-        throw CommandFailed(exit_bad_input, "the file would not read back as it was meant, from " + where +
-                                                " on; it is left as it was");
+        throw CommandFailed(exit_bad_input,
+                            "the file is left as it was: it would not read back as it was meant at " +
+                                (more ? place_of_difference(wanted) : place_in(found)));
     }
 }
 
