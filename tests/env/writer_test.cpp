@@ -1,0 +1,115 @@
+// Writing, byte for byte.
+#include "tests/env/store.h"
+
+namespace {
+
+TEST(Writer, WritesSectionsDataAndBlocks) {
+    const Env env;
+    env_put(env, "S", "a", "1");
+    env_put_external(env, "S", "x", 1);
+    env_put(env, "S", "b@c@d", " v ");
+    env_put(env, "S", "b@c@e", "");
+    env_delete(env, "S", "b@c@d");
+    env_put(env, "S", "b@f", "2");
+    env_put(env, "T", nullptr, "");
+    env_put(env, "D", nullptr, "");
+    const Env data(env, "D");
+    env_put(data, nullptr, nullptr, "text");
+    env_put(env, "X", nullptr, "");
+    const Env external(env, "X");
+    env_put_external(external, nullptr, nullptr, 1);
+    EXPECT_EQ(written(env), "[S]\n  a =1\n  b ={\n    c ={\n      e =\n    }\n    f =2\n  }\n[T]\n[D]text\n");
+    env_delete(env, "S", "b@f");
+    env_delete(env, "S", "b@c");
+    EXPECT_EQ(written(env), "[S]\n  a =1\n  b ={\n  }\n[T]\n[D]text\n");
+}
+
+// A line as the rule says it, character by character.
+std::string folded(const std::string& text, std::size_t level) {
+    std::string line(level - 1, ' ');
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if ((i + level) % 60 == 0) line += "\\\n";
+        line += text[i];
+    }
+    return line + "\n";
+}
+
+TEST(Writer, FoldsLines) {
+    const Env env;
+    env_put(env, "S", "n", "0123456789012345678901234567890123456789012345678901234567890123456");
+    // 70 characters with the name: before the one with index 57, and 13 are left.
+    EXPECT_EQ(written(env), "[S]\n  n =012345678901234567890123456789012345678901234567890123\\\n"
+                            "4567890123456\n");
+    for (const std::size_t length : {1, 54, 55, 56, 57, 58, 59, 60, 61, 114, 115, 116, 117, 118, 119, 500}) {
+        const std::string name(length, 'n'), text(length, 't');
+        const Env other;
+        env_put(other, name.c_str(), name.c_str(), text.c_str());
+        std::string path;
+        for (int i = 0; i < 35; ++i) // levels up to 71: beyond one fold
+            path += "b@";
+        env_put(other, name.c_str(), (path + name).c_str(), text.c_str());
+        std::string expected = folded("[" + name + "]", 1) + folded(name + " =" + text, 3);
+        for (std::size_t i = 0; i < 35; ++i)
+            expected += folded("b ={", 3 + 2 * i);
+        expected += folded(name + " =" + text, 73);
+        for (std::size_t i = 35; i-- > 0;)
+            expected += folded("}", 3 + 2 * i);
+        EXPECT_EQ(written(other), expected);
+        const Env back;
+        EXPECT_EQ(read_text(back, expected), ENV_OK);
+        EXPECT_EQ(written(back), expected);
+    }
+}
+
+TEST(Writer, HandsCharactersOutSigned) {
+    const Env env;
+    env_put(env, "\x80", "\xFE", "\xFF");
+    std::vector<int> characters;
+    env_write([](int c, void* all) { static_cast<std::vector<int>*>(all)->push_back(c); }, &characters, env);
+    EXPECT_EQ(characters, (std::vector<int>{'[', -128, ']', '\n', ' ', ' ', -2, ' ', '=', -1, '\n'}));
+}
+
+TEST(WriteFile, WritesInTextModeWithoutFF) {
+    Messages messages;
+    const ScratchFile file;
+    const Env env;
+    env_put(env, "S\xFF", "a\xFF", "1\xFF\n2\x1A\xFE");
+    env_put(env, "S\xFF", "b@c", "1");
+    env_write_file(file.path().c_str(), env);
+    EXPECT_EQ(file.bytes(), "[S]\r\n  a =1\r\n2\x1A\xFE\r\n  b ={\r\n    c =1\r\n  }\r\n");
+    const std::string large(70000, 'x');
+    env_put(env, "L", "v", large.c_str());
+    env_write_file(file.path().c_str(), env);
+    env_delete(env, "S\xFF", nullptr);
+    env_write_file(file.path().c_str(), env); // truncates
+    const Env back;
+    EXPECT_EQ(env_read_file(file.path().c_str(), back), ENV_OK);
+    EXPECT_EQ(written(back), written(env));
+    EXPECT_EQ(messages.take(), Texts());
+
+    const Env sub(env, "L");
+    EXPECT_EQ(written(sub), "");
+    env_write(nullptr, nullptr, env);
+    env_write_file("no/such/folder/x.txt", env);
+    env_write_file(nullptr, env);
+    EXPECT_EQ(messages.take(),
+              (Texts{"can not write subenv", "cann't open to write:", "cann't open to write:"}));
+    env_write_file(file.path().c_str(), sub);
+    EXPECT_EQ(messages.take(), Texts{"can not write subenv"});
+    EXPECT_EQ(file.bytes(), ""); // it was opened
+}
+
+TEST(Writer, LosesWhatTheFormatCannotHold) {
+    const struct {
+        const char *text, *read_back;
+    } cases[] = {{"{", "<-5>"},     {"{}", "<-1>"}, {" x ", "x"}, {"a\\", "a"},
+                 {"x\n y =z", "x"}, {"}", "}"},     {";", ";"}};
+    for (const auto& [text, read_back] : cases) {
+        const Env env, back;
+        env_put(env, "S", "v", text);
+        const EnvStatus status = read_text(back, written(env));
+        EXPECT_EQ(status == ENV_SYNTAX ? "<-5>" : text_at(back, "S", "v"), read_back) << text;
+    }
+}
+
+} // namespace
