@@ -110,6 +110,35 @@ TEST_F(HostProcedures, RefuseOtherHandles) {
     EXPECT_STREQ(data, "own data");
 }
 
+// Calls a procedure with the stack this many bytes off a multiple of 16, as plug-ins of other compilers do.
+int call_at_offset(void* procedure, std::uint32_t offset) {
+    int result;
+    asm volatile("movl %%esp, %%ebx\n\t"
+                 "andl $-16, %%esp\n\t"
+                 "subl %%esi, %%esp\n\t"
+                 "call *%%edi\n\t"
+                 "movl %%ebx, %%esp"
+                 : "=a"(result)
+                 : "D"(procedure), "S"(offset)
+                 : "ebx", "ecx", "edx", "memory", "cc");
+    return result;
+}
+
+TEST_F(HostProcedures, WorkOnAnyStack) {
+    script = [](std::int16_t selector, ps::FilterRecord& record, std::int32_t&, std::int16_t&) {
+        if (selector != ps::selector_start) return;
+        for (const std::int16_t hi_plane : {std::int16_t{2}, std::int16_t{3}})
+            for (std::uint32_t offset = 0; offset < 16; offset += 4) {
+                want(record, {0, 0, 40, 40}, {0, 0, 40, 40}, 0, hi_plane);
+                EXPECT_EQ(call_at_offset(reinterpret_cast<void*>(record.advanceState), offset) & 0xFFFF, 0);
+                EXPECT_NE(record.outData, nullptr);
+            }
+        want_nothing(record);
+    };
+    EXPECT_TRUE(apply(40, 40));
+    EXPECT_EQ(output, image);
+}
+
 class Display : public HostProcedures {
   protected:
     Display() {
