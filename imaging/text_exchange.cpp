@@ -1,6 +1,7 @@
 #include "bvutil/text_exchange.h"
 
 #include "imaging/base64.h"
+#include "imaging/wide_text.h"
 #include "module/guarded.h"
 #include "module/handles.h"
 
@@ -13,16 +14,7 @@
 
 namespace {
 
-// The text as UTF-16, its terminating zero included; empty when it cannot be converted.
-std::wstring widen(const char* text, UINT code_page) {
-    const int length = MultiByteToWideChar(code_page, 0, text, -1, nullptr, 0);
-    std::wstring wide(static_cast<std::size_t>(length), L'\0');
-    const int written = MultiByteToWideChar(code_page, 0, text, -1, wide.data(), length);
-    wide.resize(static_cast<std::size_t>(written));
-    return wide;
-}
-
-// Zero-terminated UTF-8, the terminating zero included.
+// Without its terminating zero.
 std::string to_utf8(const std::wstring& wide) {
     const int units = static_cast<int>(wide.size());
     const int length = WideCharToMultiByte(CP_UTF8, 0, wide.data(), units, nullptr, 0, nullptr, nullptr);
@@ -66,9 +58,10 @@ extern "C" int BVUTIL_CALL ConvertFromUTF8(const char* utf8, char* out) {
     if (!utf8 || !out) return 0;
     return guarded(0, [&] {
         const std::wstring wide = widen(utf8, CP_UTF8);
-        if (wide.size() < 2) return 0;
+        if (wide.empty()) return 0;
         for (const wchar_t unit : wide)
             *out++ = static_cast<char>(unit & 0xFF);
+        *out = '\0';
         return 1;
     });
 }
@@ -77,8 +70,8 @@ extern "C" int BVUTIL_CALL ConvertToUTF8(const char* text, char* out) {
     if (!text || !out) return 0;
     return guarded(0, [&] {
         const std::string utf8 = to_utf8(widen(text, CP_ACP));
-        if (utf8.size() < 2) return 0;
-        std::memcpy(out, utf8.data(), utf8.size());
+        if (utf8.empty()) return 0;
+        std::memcpy(out, utf8.c_str(), utf8.size() + 1);
         return 1;
     });
 }

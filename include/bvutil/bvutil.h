@@ -6,10 +6,12 @@
 
 #include "bvutil/api.h"
 #include "bvutil/calculator.h"
+#include "bvutil/bitmap_ex.h"
 #include "bvutil/env.h"
 #include "bvutil/filter_host.h"
 #include "bvutil/fio.h"
 #include "bvutil/gdi_bitmaps.h"
+#include "bvutil/gdiplus_services.h"
 #include "bvutil/locations.h"
 #include "bvutil/messages.h"
 #include "bvutil/mini.h"

@@ -22,12 +22,12 @@ struct Resources {
     }
 };
 
-// Runs work(10000) and compares before and after. What is made once, on first use, is made beforehand.
+// Runs work(times) and compares before and after. What is made once, on first use, is made beforehand.
 template <class Work>
-void expect_nothing_kept(Work&& work) {
+void expect_nothing_kept(Work&& work, int times = 10000) {
     work(50);
     const Resources before;
-    work(10000);
+    work(times);
     const Resources after;
     EXPECT_EQ(after.gdi_objects, before.gdi_objects);
     EXPECT_LE(after.heap_bytes, before.heap_bytes + 4096);
