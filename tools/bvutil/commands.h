@@ -28,6 +28,7 @@ class CommandFailed : public std::runtime_error {
     ExitCode m_code;
 };
 
+void add_calc_commands(CLI::App& app);
 void add_env_commands(CLI::App& app);
 void add_where_commands(CLI::App& app);
 void add_filter_commands(CLI::App& app);

@@ -32,6 +32,7 @@ int main(int argc, char** argv) {
     app.footer("Exit codes: 0 done, 1 not found, 2 bad input, 3 file cannot be read or written,\n"
                "4 failed, 64 wrong command line.");
 
+    add_calc_commands(app);
     add_env_commands(app);
     add_where_commands(app);
     add_filter_commands(app);
