@@ -30,5 +30,6 @@ class CommandFailed : public std::runtime_error {
 
 void add_calc_commands(CLI::App& app);
 void add_env_commands(CLI::App& app);
+void add_files_commands(CLI::App& app);
 void add_where_commands(CLI::App& app);
 void add_filter_commands(CLI::App& app);

@@ -34,6 +34,7 @@ int main(int argc, char** argv) {
 
     add_calc_commands(app);
     add_env_commands(app);
+    add_files_commands(app);
     add_where_commands(app);
     add_filter_commands(app);
 

@@ -1,0 +1,71 @@
+// Lists of numbers: the first byte is the room for values, the rest the text.
+#include "files/number_list.h"
+#include "files/number_text.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <vector>
+
+namespace {
+
+void require(bool holds) {
+    if (!holds) std::abort();
+}
+
+bool same(double a, double b) {
+    return std::memcmp(&a, &b, sizeof a) == 0;
+}
+
+struct Reading {
+    std::optional<std::size_t> count;
+    std::vector<double> values;
+};
+
+Reading read(std::string_view text, std::size_t room) {
+    Reading reading{std::nullopt, std::vector<double>(room, -7)};
+    reading.count = read_numbers(text, reading.values);
+    require(!reading.count || (*reading.count >= 1 && *reading.count <= room));
+    return reading;
+}
+
+// Less room reads the front of the same values, and never fails where more room succeeds.
+void check_room(std::string_view text, const Reading& whole) {
+    const Reading less = read(text, (whole.values.size() + 1) / 2);
+    require(less.count || !whole.count);
+    if (whole.count) require(*less.count == std::min(*whole.count, less.values.size()));
+    for (std::size_t i = 0; i < less.values.size(); ++i)
+        require(same(less.values[i], whole.values[i]));
+}
+
+// What was read, written with six decimals, reads as the same numbers to that precision.
+void check_round_trip(const Reading& reading) {
+    std::string text;
+    for (std::size_t i = 0; i < *reading.count; ++i) {
+        if (!std::isfinite(reading.values[i])) return;
+        if (i) text += ',';
+        append_fixed(text, reading.values[i]);
+    }
+    const Reading again = read(text, reading.values.size());
+    require(again.count == reading.count);
+    for (std::size_t i = 0; i < *again.count; ++i)
+        require(std::fabs(again.values[i] - reading.values[i]) <=
+                5.1e-7 + std::fabs(reading.values[i]) * 1e-15);
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    if (size == 0) return 0;
+    // In memory of its own, so that a byte too many is seen.
+    const auto text = std::make_unique<char[]>(size - 1);
+    std::memcpy(text.get(), data + 1, size - 1);
+    const std::string_view view(text.get(), size - 1);
+    const Reading reading = read(view, 1 + data[0] % 64u);
+    check_room(view, reading);
+    if (reading.count) check_round_trip(reading);
+    return 0;
+}

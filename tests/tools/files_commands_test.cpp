@@ -1,0 +1,66 @@
+// bvutil ini, material and fio, run as programs on files of their own.
+#include "tests/support/run_program.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+constexpr char profile[] = "[A]\r\nx=1,5\r\nempty=\r\nword=abc\r\n[B]\r\ny=2.50\r\n";
+
+TEST(FilesCommands, PrintAndChangeWhatIsThere) {
+    const TempDir dir;
+    write_file(dir.file("p.ini"), profile);
+    write_file(dir.file("m.mat"), "[Material]\r\nName=Holz\r\n[Holz]\r\nOe=4\r\nBits=6\r\n");
+    write_file(dir.file("no.mat"), "[Material]\r\n");
+    write_file(dir.file("d.dat"), "1.1  @mbMOTOROLAdata");
+    write_file(dir.file("plain.dat"), "data");
+    const struct {
+        std::vector<std::string> arguments;
+        int code;
+        std::string out; // the whole of it, or a part after "..."
+    } cases[] = {
+        {{"ini", "get", "p.ini", "a", "X"}, 0, "1,5\n"},
+        {{"ini", "get", "p.ini", "A", "empty"}, 0, "\n"},
+        {{"ini", "get", "p.ini", "A", "x", "--as", "doubles"}, 0, "1\n5\n"},
+        {{"ini", "get", "p.ini", "B", "y", "--as", "double"}, 0, "2.5\n"},
+        {{"ini", "get", "p.ini", "B", "y", "--as", "long"}, 0, "2\n"},
+        {{"ini", "get", "p.ini", "A", "word", "--as", "doubles"}, 2, ""},
+        {{"ini", "get", "p.ini", "A", "empty", "--as", "double"}, 2, ""},
+        {{"ini", "get", "p.ini", "A", "none", "--as", "long"}, 1, ""},
+        {{"ini", "get", "none.ini", "A", "x"}, 3, ""},
+        {{"ini", "get", ".", "A", "x"}, 3, ""},
+        {{"ini", "list", "p.ini"}, 0, "[A]\nx=1,5\nempty=\nword=abc\n[B]\ny=2.50\n"},
+        {{"ini", "list", "p.ini", "b"}, 0, "[B]\ny=2.50\n"},
+        {{"ini", "list", "p.ini", "C"}, 1, ""},
+        {{"ini", "set", "p.ini", "B", "y", "/3 4"}, 0, ""},
+        {{"ini", "set", "new.ini", "N", "k", "v"}, 0, ""},
+        {{"ini", "set", "no/such.ini", "N", "k", "v"}, 3, ""},
+        {{"ini", "get", "new.ini", "N", "k"}, 0, "v\n"},
+        {{"ini", "get", "p.ini"}, 64, ""},
+        {{"material", "show", "m.mat"},
+         0,
+         "...\nshading constants   -0.125 7.11111 8\nbits                6\n"},
+        {{"material", "show", "no.mat"}, 2, ""},
+        {{"material", "show", "none.mat"}, 3, ""},
+        {{"fio", "info", "d.dat"},
+         0,
+         "...\nbyte order          MOTOROLA (big-endian)\ndata                4 bytes from byte 16\n"},
+        {{"fio", "info", "plain.dat"},
+         0,
+         "...\nbyte order          not stated: no header\ndata                4 bytes from byte 0\n"},
+        {{"fio", "info", "none.dat"}, 3, ""},
+    };
+    for (const auto& [arguments, code, out] : cases) {
+        const ProgramRun run = run_program("bvutil.exe", arguments, dir.path());
+        SCOPED_TRACE(arguments[0] + " " + arguments[1] + " " + arguments[2] + ": " + run.err);
+        EXPECT_EQ(run.code, code);
+        EXPECT_EQ(run.err.empty(), code == 0);
+        if (out.starts_with("..."))
+            EXPECT_NE(run.out.find(out.substr(3)), std::string::npos) << run.out;
+        else
+            EXPECT_EQ(run.out, out);
+    }
+    EXPECT_EQ(read_file(dir.file("p.ini")), "[A]\r\nx=1,5\r\nempty=\r\nword=abc\r\n[B]\r\ny=/3 4\r\n");
+}
+
+} // namespace

@@ -1,0 +1,237 @@
+// bvutil ini, material and fio: profile files, material files and byte-order data files.
+#include "tools/bvutil/commands.h"
+#include "tools/bvutil/console.h"
+
+#include "bvutil/fio.h"
+#include "bvutil/ini_file.h"
+#include "bvutil/mat_file.h"
+#include "bvutil/mini.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+#include <windows.h>
+
+namespace {
+
+// Values are read as at most this many bytes.
+constexpr int longest_value = 1023;
+
+struct Arguments {
+    std::string file, section, key, value, kind = "text";
+    std::string place() const { return "[" + section + "] " + key; }
+};
+
+// The platform looks a bare name up in the Windows directory; a command means the current one.
+std::string full_path(const std::string& path) {
+    std::string full(GetFullPathNameA(path.c_str(), 0, nullptr, nullptr), '\0');
+    full.resize(GetFullPathNameA(path.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr));
+    return full;
+}
+
+[[noreturn]] void cannot(const char* what, const std::string& path) {
+    throw CommandFailed(exit_io_error, path + " cannot be " + what);
+}
+
+struct CloseProfile {
+    void operator()(MiniHandle h) const { mini_close(&h); }
+};
+using Profile = std::unique_ptr<CBvIniFile, CloseProfile>;
+
+Profile open_for_reading(const std::string& path) {
+    Profile profile(mini_open_ex(path.c_str(), MINI_READONLY));
+    if (!profile) cannot("read", path);
+    return profile;
+}
+
+std::string number_text(double number) {
+    char text[32];
+    std::snprintf(text, sizeof text, "%g", number);
+    return text;
+}
+
+// Throws unless the value, which is there, has the form asked for.
+void expect_form(int result, const Arguments& arguments, const char* form) {
+    if (result != 0) throw CommandFailed(exit_bad_input, arguments.place() + " is not " + form);
+}
+
+std::string read_as(MiniHandle h, const Arguments& arguments, const std::string& text) {
+    const char *section = arguments.section.c_str(), *key = arguments.key.c_str();
+    if (arguments.kind == "long") {
+        long number = 0;
+        expect_form(mini_read_long(h, section, key, &number), arguments, "an integer");
+        return std::to_string(number) + "\n";
+    }
+    if (arguments.kind == "double") {
+        double number = 0;
+        expect_form(mini_read_double(h, section, key, &number), arguments, "a number");
+        return number_text(number) + "\n";
+    }
+    if (arguments.kind == "doubles") {
+        std::vector<double> numbers(longest_value);
+        int count = longest_value;
+        expect_form(mini_read_doubles(h, section, key, numbers.data(), &count), arguments,
+                    "a list of numbers");
+        std::string lines;
+        for (int i = 0; i < count; ++i)
+            lines += number_text(numbers[static_cast<std::size_t>(i)]) + "\n";
+        return lines;
+    }
+    return text + "\n";
+}
+
+void get_value(const Arguments& arguments) {
+    const Profile profile = open_for_reading(full_path(arguments.file));
+    std::string text(longest_value + 1, '\0');
+    int length = longest_value;
+    if (mini_read_string(profile.get(), arguments.section.c_str(), arguments.key.c_str(), text.data(),
+                         &length) != 0)
+        throw CommandFailed(exit_not_found, arguments.place() + " is not in " + arguments.file);
+    text.resize(static_cast<std::size_t>(length));
+    print(read_as(profile.get(), arguments, text));
+}
+
+void set_value(const Arguments& arguments) {
+    const std::string path = full_path(arguments.file);
+    if (!CBvIniFile::FileWriteString(path, arguments.section, arguments.key, arguments.value))
+        cannot("written", path);
+}
+
+// The names that the platform lists: of a file's sections, or of a section's keys.
+std::vector<std::string> names_in(const std::string& path, const char* section) {
+    std::string buffer(4096, '\0');
+    for (;;) {
+        const DWORD size = static_cast<DWORD>(buffer.size());
+        const DWORD length =
+            section ? GetPrivateProfileStringA(section, nullptr, "", buffer.data(), size, path.c_str())
+                    : GetPrivateProfileSectionNamesA(buffer.data(), size, path.c_str());
+        if (length < size - 2) break;
+        buffer.assign(buffer.size() * 2, '\0');
+    }
+    std::vector<std::string> names;
+    for (const char* name = buffer.c_str(); *name; name += names.back().size() + 1)
+        names.emplace_back(name);
+    return names;
+}
+
+void list_values(const Arguments& arguments) {
+    const std::string path = full_path(arguments.file);
+    const Profile profile = open_for_reading(path);
+    std::vector<std::string> sections = names_in(path, nullptr);
+    if (!arguments.section.empty()) {
+        std::erase_if(sections, [&](const std::string& name) {
+            return _stricmp(name.c_str(), arguments.section.c_str()) != 0;
+        });
+        if (sections.empty())
+            throw CommandFailed(exit_not_found, "[" + arguments.section + "] is not in " + arguments.file);
+    }
+    for (const std::string& section : sections) {
+        print("[" + section + "]\n");
+        for (const std::string& key : names_in(path, section.c_str()))
+            print(key + "=" + profile->ReadString(section, key) + "\n");
+    }
+}
+
+void print_row(std::string_view label, const std::string& value) {
+    std::string row(label);
+    row.resize(20, ' ');
+    print(row + value + "\n");
+}
+
+void print_color(std::string_view label, const float (&color)[3]) {
+    print_row(label, number_text(color[0]) + " " + number_text(color[1]) + " " + number_text(color[2]));
+}
+
+void show_material(const Arguments& arguments) {
+    const std::string path = full_path(arguments.file);
+    open_for_reading(path);
+    CBvMatFile file(path);
+    if (!file.IsLoaded())
+        throw CommandFailed(exit_bad_input,
+                            path + " is no material: it has no name, or kdiffus or kambient is empty");
+    std::string name, texture;
+    file.GetLogName(name);
+    file.GetTestTexturePath(texture);
+    const matTyp& material = *file.GetMaterialPtr();
+    print_row("name", name);
+    print_row("diffuse", number_text(material.diffuse));
+    print_row("ambient", number_text(material.ambient));
+    print_row("specular", number_text(material.specular));
+    print_row("alpha", number_text(material.alpha));
+    print_color("diffuse colour", material.diffuseColor);
+    print_color("specular colour", material.specularColor);
+    print_row("exponent", number_text(material.exponent));
+    print_row("shading constants", number_text(material.shade1) + " " + number_text(material.shade2) + " " +
+                                       number_text(material.shade3));
+    print_row("bits", std::to_string(material.bits));
+    print_row("test texture", texture.empty() ? "none" : texture);
+}
+
+struct CloseFile {
+    void operator()(FioFile* h) const { fio_close(h); }
+};
+
+void show_data_file(const Arguments& arguments) {
+    const std::string path = full_path(arguments.file);
+    const std::unique_ptr<FioFile, CloseFile> h(fio_open("", path.c_str(), FIO_READ | FIO_HEADER));
+    if (!h) cannot("read", path);
+    const long start = fio_tell(h.get());
+    const long size = fio_seek(h.get(), 0, 2) == 0 ? fio_tell(h.get()) : -1;
+    if (start < 0 || size < 0) cannot("read", path); // such as a file beyond 2 GB
+    print_row("file", h->path);
+    print_row("byte order", h->byteOrder == FIO_NO_HEADER  ? "not stated: no header"
+                            : h->byteOrder == FIO_MOTOROLA ? "MOTOROLA (big-endian)"
+                                                           : "INTEL (little-endian)");
+    print_row("data", std::to_string(size - start) + " bytes from byte " + std::to_string(start));
+}
+
+CLI::App* add_command(CLI::App& group, const char* name, const char* description,
+                      const std::shared_ptr<Arguments>& arguments, void (*run)(const Arguments&)) {
+    CLI::App* const command = group.add_subcommand(name, description);
+    command->add_option("FILE", arguments->file)->required();
+    command->callback([arguments, run] { run(*arguments); });
+    return command;
+}
+
+void add_ini_commands(CLI::App& app) {
+    CLI::App* const ini = app.add_subcommand("ini", "Profile (ini) files: read, change and list values");
+    ini->require_subcommand(1);
+    const auto arguments = std::make_shared<Arguments>();
+
+    CLI::App* const get = add_command(*ini, "get", "Print a value", arguments, get_value);
+    get->add_option("SECTION", arguments->section)->required();
+    get->add_option("KEY", arguments->key)->required();
+    get->add_option("--as", arguments->kind, "How the value is read")
+        ->check(CLI::IsMember({"text", "long", "double", "doubles"}))
+        ->capture_default_str();
+
+    CLI::App* const set = add_command(*ini, "set", "Set a value; file, section and key are created as needed",
+                                      arguments, set_value);
+    set->add_option("SECTION", arguments->section)->required();
+    set->add_option("KEY", arguments->key)->required();
+    set->add_option("VALUE", arguments->value)->required();
+
+    CLI::App* const list =
+        add_command(*ini, "list", "Print all values, or those of a section", arguments, list_values);
+    list->add_option("SECTION", arguments->section);
+}
+
+} // namespace
+
+void add_files_commands(CLI::App& app) {
+    add_ini_commands(app);
+    const auto arguments = std::make_shared<Arguments>();
+
+    CLI::App* const material = app.add_subcommand("material", "Material files");
+    material->require_subcommand(1);
+    add_command(*material, "show", "Print a material's values and its derived shading constants", arguments,
+                show_material);
+
+    CLI::App* const fio = app.add_subcommand("fio", "Data files with a byte-order header");
+    fio->require_subcommand(1);
+    add_command(*fio, "info", "Print the byte order and where the data are", arguments, show_data_file);
+}
