@@ -49,17 +49,19 @@ void prefetch(std::span<Byte> row) {
 // tile's buffer has a size, so its planes are at least none.
 template <class Byte, class Sample, class RowFunction>
 void for_each_row(const BasicImage<Byte>& image, const Tile& tile, Sample* buffer, RowFunction row_function) {
-    if (tile.rect.right <= 0) return; // else fewer columns are left out than the tile has
     const int top = std::max<int>(tile.rect.top, 0);
     const int bottom = std::min<int>(tile.rect.bottom, image.height);
-    const int columns_left_out = std::max<int>(tile.rect.left, 0) - tile.rect.left;
-    Sample* const first_column = buffer + columns_left_out * planes(tile);
+    // From here on the tile has a row, and fewer columns are left out than it has: offsets are within its
+    // size.
+    if (top >= bottom || tile.rect.right <= 0) return;
+    const int samples_left_out = (std::max<int>(tile.rect.left, 0) - tile.rect.left) * planes(tile);
     for (int y = top; y < bottom; ++y) {
         if (y + rows_ahead < bottom) prefetch(clip_row(image, tile, y + rows_ahead));
         const std::span<Byte> row = clip_row(image, tile, y);
         if (row.empty()) continue;
-        row_function(row.data(), first_column + std::ptrdiff_t{y - tile.rect.top} * tile.row_bytes,
-                     row.size() / pixel_bytes);
+        Sample* const samples =
+            buffer + std::ptrdiff_t{y - tile.rect.top} * tile.row_bytes + samples_left_out;
+        row_function(row.data(), samples, row.size() / pixel_bytes);
     }
 }
 

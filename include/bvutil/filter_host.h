@@ -46,8 +46,9 @@ typedef BvUtilBool(BVUTIL_STDCALL* AVPSFilterProgress)(float fraction, void* con
 
 /** Opens a filter plug-in and tells what its property list says.
  *
- *  The first property list that names a filter (kind "8BFM", interface version 4.0 or older) with an entry
- *  point that the file exports, a category and a name is taken.
+ *  The first property list that is complete is taken: with an entry point that the file exports, a category
+ *  and a name, not meant for another kind of plug-in than "8BFM" nor for an interface newer than 4.0. A list
+ *  that lacks its category or name has those of a list before it, if that had any.
  *
  *  @param fileName  The plug-in's file, searched for as the platform searches for libraries. Null counts as a
  *                   file that cannot be loaded.

@@ -8,6 +8,7 @@
 #include <CLI/CLI.hpp>
 #include <atomic>
 #include <cstdio>
+#include <io.h>
 #include <memory>
 #include <string>
 #include <windows.h>
@@ -75,7 +76,7 @@ class Interruption {
 class ProgressBar {
   public:
     ~ProgressBar() {
-        if (m_percent >= 0) print_utf8("\n");
+        if (m_percent >= 0) write("\n");
     }
     void show(float fraction) {
         if (!m_visible || !(fraction >= 0 && fraction <= 1)) return;
@@ -83,12 +84,17 @@ class ProgressBar {
         if (percent == m_percent) return;
         m_percent = percent;
         const auto filled = static_cast<std::size_t>(percent * width / 100);
-        print_utf8("\r[" + std::string(filled, '#') + std::string(width - filled, ' ') + "] " +
-                   std::to_string(percent) + " %");
-        std::fflush(stdout);
+        write("\r[" + std::string(filled, '#') + std::string(width - filled, ' ') + "] " +
+              std::to_string(percent) + " %");
     }
 
   private:
+    // In one piece: the runtime's stream writes to a console byte by byte.
+    static void write(const std::string& text) {
+        std::fflush(stdout);
+        _write(_fileno(stdout), text.data(), static_cast<unsigned>(text.size()));
+    }
+
     static constexpr std::size_t width = 40;
     bool m_visible = output_is_console();
     int m_percent = -1;
