@@ -26,7 +26,9 @@ ListIndex::~ListIndex() = default;
 Element* ListIndex::find(std::string_view name, std::uint32_t hash, long occurrence) const {
     const Slot* slot = find_slot(name, hash);
     if (!slot || occurrence < 1 || static_cast<std::size_t>(occurrence) > slot->size()) return nullptr;
-    return slot->all ? slot->all->at(static_cast<std::size_t>(occurrence) - 1) : slot->first;
+    if (!slot->all) return slot->first;
+    slot->all->hint = static_cast<std::size_t>(occurrence) - 1; // it may be deleted next
+    return slot->all->at(slot->all->hint);
 }
 
 std::uint32_t ListIndex::count(std::string_view name, std::uint32_t hash) const {
@@ -62,14 +64,22 @@ void ListIndex::insert(Element* element) {
     const std::string_view name = name_of(element);
     const std::uint32_t hash = name_hash(name);
     Slot& slot = slot_for(name, hash);
-    // It ranks before the next of its name behind it, which is usually near.
-    std::size_t rank = slot.first ? slot.size() : 0;
-    for (const Element* behind = element->next; behind && rank > 0; behind = behind->next)
-        if (behind->is_named(name, element->hash)) {
-            rank = slot.all ? slot.all->find(behind) : 0;
-            break;
-        }
-    join(slot, rank, element);
+    join(slot, slot.first ? rank_of(slot, element) : 0, element);
+}
+
+// Where a new element of the list belongs among its namesakes: next to the nearest one, looked for in both
+// directions at once.
+std::size_t ListIndex::rank_of(const Slot& slot, const Element* element) const {
+    const auto rank = [&](const Element* namesake) { return slot.all ? slot.all->find(namesake) : 0; };
+    const std::string_view name = name_of(element);
+    const Element* behind = element->next;
+    const Element* in_front = element->previous;
+    for (; behind && in_front; behind = behind->next, in_front = in_front->previous) {
+        if (behind->is_named(name, element->hash)) return rank(behind);
+        if (in_front->is_named(name, element->hash)) return rank(in_front) + 1;
+    }
+    // One end of the list is reached: all namesakes lie on the other side.
+    return behind ? 0 : slot.size();
 }
 
 void ListIndex::remove(const Element* element) {
@@ -153,7 +163,7 @@ void ListIndex::free_slot(Slot& slot) {
 }
 
 std::size_t ListIndex::SameNamed::find(const Element* element) const {
-    // Walks ask for one element after the other.
+    // Walks ask for one element after the other, and a deletion for the one just found.
     for (std::size_t near = hint; near < size() && near < hint + 2; ++near)
         if (at(near) == element) return hint = near;
     const auto begin = members.begin() + static_cast<std::ptrdiff_t>(removed_in_front);

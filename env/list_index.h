@@ -46,7 +46,7 @@ class ListIndex {
     struct SameNamed {
         std::vector<Element*> members;
         std::size_t removed_in_front = 0; // taking away the first is frequent: no shifting then
-        mutable std::size_t hint = 0;     // where occurrence_of() found its last element
+        mutable std::size_t hint = 0;     // where the last element asked for was
 
         std::size_t size() const { return members.size() - removed_in_front; }
         Element* at(std::size_t i) const { return members[removed_in_front + i]; }
@@ -65,6 +65,7 @@ class ListIndex {
     Slot& slot_for(std::string_view name, std::uint32_t hash);
     void free_slot(Slot& slot);
     void grow();
+    std::size_t rank_of(const Slot& slot, const Element* element) const;
     void join(Slot& slot, std::size_t rank, Element* element);
 
     mutable std::vector<Slot> m_slots; // linear probing, a power of two

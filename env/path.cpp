@@ -95,6 +95,12 @@ void PathReader::read_token() {
     m_token = {};
 }
 
+std::string_view PathReader::rest() const {
+    const char* const end = m_rest.data() + m_rest.size();
+    return at_end() ? m_rest
+                    : std::string_view(m_token.data(), static_cast<std::size_t>(end - m_token.data()));
+}
+
 Component PathReader::next() {
     Component component{m_token};
     read_token();

@@ -46,6 +46,8 @@ class PathReader {
     // Whether there is none (left).
     bool at_end() const { return m_token.empty(); }
     Component next();
+    // What is left of the path.
+    std::string_view rest() const;
 
   private:
     void read_token();

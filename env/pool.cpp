@@ -1,7 +1,6 @@
 #include "env/pool.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <limits>
 #include <new>
 
@@ -32,12 +31,12 @@ void Pool::clear() noexcept {
     while (m_chunks) {
         Chunk* const chunk = m_chunks;
         m_chunks = chunk->next;
-        std::free(chunk);
+        ::operator delete(chunk);
     }
     while (m_large) {
         LargeBlock* const block = m_large;
         m_large = block->next;
-        std::free(block);
+        ::operator delete(block);
     }
     m_at = m_end = nullptr;
     m_next_chunk = first_chunk;
@@ -45,8 +44,7 @@ void Pool::clear() noexcept {
 }
 
 void Pool::add_chunk() {
-    void* const memory = std::malloc(m_next_chunk);
-    if (!memory) throw std::bad_alloc();
+    void* const memory = ::operator new(m_next_chunk);
     m_chunks = new (memory) Chunk{m_chunks};
     // What was left of the former chunk is too small to matter: less than the block that did not fit.
     m_at = static_cast<char*>(memory) + rounded(sizeof(Chunk));
@@ -56,8 +54,7 @@ void Pool::add_chunk() {
 
 void* Pool::allocate_large(std::size_t size) {
     if (size > std::numeric_limits<std::size_t>::max() - sizeof(LargeBlock)) throw std::bad_alloc();
-    void* const memory = std::malloc(sizeof(LargeBlock) + size);
-    if (!memory) throw std::bad_alloc();
+    void* const memory = ::operator new(sizeof(LargeBlock) + size);
     m_large = new (memory) LargeBlock{m_large, nullptr};
     if (m_large->next) m_large->next->previous = m_large;
     return m_large + 1;
@@ -67,7 +64,7 @@ void Pool::release_large(void* block) noexcept {
     LargeBlock* const large = static_cast<LargeBlock*>(block) - 1;
     if (large->next) large->next->previous = large->previous;
     (large->previous ? large->previous->next : m_large) = large->next;
-    std::free(large);
+    ::operator delete(large);
 }
 
 } // namespace env

@@ -4,6 +4,7 @@
 #include "env/report.h"
 
 #include <new>
+#include <string>
 
 namespace env {
 
@@ -35,7 +36,6 @@ Element* create_component(Tree& tree, Element* parent, const Component& componen
     const long present = children ? count_named(tree, *children, component.name) : 0;
     const long lacking = component.occurrence - present;
     if (lacking > most_new_elements) throw std::bad_alloc();
-    // The target first: its text may lie in what becomes a block.
     Element* const target =
         value ? create_value(tree, component.name, *value) : tree.create_block(component.name);
     long appended = 0;
@@ -59,21 +59,31 @@ bool can_create(PathReader rest) {
     return true;
 }
 
+// Creates all components left under the parent, the last with the value.
+void create_along(Tree& tree, Element* parent, PathReader path, const Value& value) {
+    while (!path.at_end()) {
+        const Component component = path.next();
+        parent = create_component(tree, parent, component, path.at_end() ? &value : nullptr);
+    }
+}
+
 EnvStatus put_along(Tree& tree, Element* start, PathReader path, const Value& value) {
     Element* element = start;
-    while (!path.at_end()) {
-        const PathReader here = path;
-        const Component component = path.next();
-        if (Element* child = find_child(tree, element, component)) {
+    for (PathReader here = path; !path.at_end(); here = path) {
+        if (Element* child = find_child(tree, element, path.next())) {
             element = child;
             continue;
         }
         if (!can_create(here)) return ENV_NOT_FOUND;
-        element = create_component(tree, element, component, path.at_end() ? &value : nullptr);
-        while (!path.at_end()) {
-            const Component next = path.next();
-            element = create_component(tree, element, next, path.at_end() ? &value : nullptr);
+        if (element->kind == Kind::block) {
+            create_along(tree, element, here, value);
+            return ENV_OK;
         }
+        // The element's text goes, and the path and the value may lie in it.
+        const std::string kept_path(here.rest());
+        const std::string kept_text(value.text ? value.text : "");
+        create_along(tree, element, PathReader(kept_path),
+                     {value.text ? kept_text.c_str() : nullptr, value.external});
         return ENV_OK;
     }
     store(tree, element, value);

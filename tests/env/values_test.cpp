@@ -101,6 +101,17 @@ TEST(EnvPut, TakesItsOwnTexts) {
     }
 }
 
+TEST(EnvPut, TakesAPathThatLiesInTheTextItReplaces) {
+    const Env env;
+    const char* text = nullptr;
+    env_put(env, "S", "a", "a@some quite long name@b@2");
+    env_get_reference(env, "S", "a", 1, &text);
+    EXPECT_EQ(env_put(env, "S", text, text), ENV_OK);
+    char value[64] = "";
+    EXPECT_EQ(env_get(env, "S", "a@some quite long name@b@2", 1, sizeof value, value), ENV_OK);
+    EXPECT_STREQ(value, "a@some quite long name@b@2");
+}
+
 TEST(EnvCreateSubenv, OpensOrCreates) {
     Messages messages;
     const Env env;
