@@ -5,8 +5,8 @@
 #define BVUTIL_BVUTIL_H
 
 #include "bvutil/api.h"
-#include "bvutil/calculator.h"
 #include "bvutil/bitmap_ex.h"
+#include "bvutil/calculator.h"
 #include "bvutil/env.h"
 #include "bvutil/filter_host.h"
 #include "bvutil/fio.h"
