@@ -6,7 +6,13 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <vector>
+
+// A triangle's vertices, in the order in which they are written; v3 is the point that made the triangle.
+struct alignas(16) Corners {
+    Place v1, v2, v3, unused;
+};
 
 struct Edge {
     Place first, second; // the smaller vertex first
@@ -15,32 +21,34 @@ struct Edge {
 
 class Cavity {
   public:
-    explicit Cavity(const SweepVertices& sweep) : m_sweep(sweep) {}
+    explicit Cavity(const SweepVertices& sweep) : m_sweep(sweep), m_triangles(64), m_boundary(256) {}
 
-    void clear() { m_triangles.clear(); }
-    void add(Place v1, Place v2, Place v3) { m_triangles.push_back({v1, v2, v3}); }
+    void clear() { m_count = 0; }
+    void add(const Corners& corners) {
+        if (m_count == m_triangles.size()) m_triangles.resize(2 * m_count);
+        m_triangles[m_count++] = corners;
+    }
 
-    // The edges that an odd number of the triangles have, in no order, each once.
-    const std::vector<Edge>& boundary();
+    // The edges that an odd number of the triangles have, in no order, each once. Behind them at least three
+    // more may be read.
+    std::span<const Edge> boundary();
 
   private:
-    using Corners = std::array<Place, 3>;
-
-    void toggle(Place p, Place q);
-    void find_boundary();
-    void find_large_boundary();
-    void find_boundary_by_coordinates();
+    std::size_t toggle(Place p, Place q, std::size_t seen);
+    std::size_t find_boundary();
+    std::size_t find_large_boundary();
+    std::size_t find_boundary_by_coordinates();
 
     const SweepVertices& m_sweep;
     std::vector<Corners> m_triangles;
+    std::size_t m_count = 0;
     std::vector<Edge> m_boundary;
 
     // Edges seen so far, and where an edge of a given hash was put last. A slot counts only while it is less
     // than the number of edges and the edge there is the one sought, hence it never needs clearing.
-    static constexpr std::size_t most_edges = 255;
-    static constexpr unsigned hash_bits = 10;
-    std::array<std::uint8_t, 1u << hash_bits> m_slots{};
-    std::array<Edge, most_edges> m_edges;
-    std::array<std::uint8_t, most_edges> m_odd;
-    std::size_t m_count = 0;
+    static constexpr std::size_t most_edges = 1024;
+    static constexpr unsigned hash_bits = 12;
+    std::array<std::uint16_t, 1u << hash_bits> m_slots{};
+    std::array<Edge, most_edges + 1> m_edges{};
+    std::array<std::uint8_t, most_edges + 1> m_odd{};
 };

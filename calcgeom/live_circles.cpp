@@ -3,27 +3,29 @@
 #include <algorithm>
 #include <bit>
 #include <limits>
+#include <span>
 #include <utility>
 
 namespace {
 
-constexpr int all_lanes = 15;
-constexpr std::size_t shortest_slab = 32, points_per_leaf = 4;
+constexpr unsigned all_lanes = 15;
+constexpr std::size_t shortest_slab = 32, points_per_leaf = 16;
 
 // What is filed in a lane that holds no circle.
 constexpr float nobody = -1.0f;
 
-Circles load(const float* cx, const float* cy, const float* right, const float* enlarged) {
-    return {_mm_load_ps(cx), _mm_load_ps(cy), _mm_load_ps(right), _mm_load_ps(enlarged)};
+unsigned mask_of(__m128 comparison) {
+    return static_cast<unsigned>(_mm_movemask_ps(comparison));
 }
 
-int highest_lane(int lanes) {
-    return static_cast<int>(std::bit_width(static_cast<unsigned>(lanes))) - 1;
+unsigned highest_lane(unsigned lanes) {
+    return static_cast<unsigned>(std::bit_width(lanes)) - 1;
 }
 
 } // namespace
 
-LiveCircles::LiveCircles(const SweepVertices& sweep) : m_sweep(sweep), m_blocks(1), m_nodes(2) {}
+LiveCircles::LiveCircles(const SweepVertices& sweep)
+    : m_sweep(sweep), m_blocks(64), m_old_blocks(1), m_next(64), m_nodes(2) {}
 
 // A point y of the slab is inside only if (x - cx)² + (y - cy)² as calculated is at most E, the enlarged
 // squared radius. Each calculated operation errs by at most u = 2^-24 of its result (a square below the
@@ -45,7 +47,7 @@ LiveCircles::Leaves LiveCircles::leaves_touched(const Circles& c, float from_x) 
 
     // An infinite circle may have anything inside.
     const __m128 finite = _mm_cmplt_ps(c.enlarged, _mm_set1_ps(std::numeric_limits<float>::infinity()));
-    if (_mm_movemask_ps(finite) == all_lanes) return {lowest, highest};
+    if (mask_of(finite) == all_lanes) return {lowest, highest};
     const __m128i mask = _mm_castps_si128(finite), last = _mm_set1_epi32(static_cast<int>(m_leaves - 1));
     return {_mm_and_si128(mask, lowest),
             _mm_or_si128(_mm_and_si128(mask, highest), _mm_andnot_si128(mask, last))};
@@ -59,89 +61,108 @@ __m128i LiveCircles::leaf_of(__m128 y) const {
     return _mm_cvttps_epi32(_mm_min_ps(_mm_max_ps(scaled, _mm_setzero_ps()), last));
 }
 
-std::uint32_t LiveCircles::new_block(std::uint32_t next) {
+inline std::uint32_t LiveCircles::new_block(std::uint32_t next) {
     std::uint32_t block = m_free_block;
     if (block) {
-        m_free_block = m_blocks[block].next;
+        m_free_block = m_next[block];
     } else {
-        block = static_cast<std::uint32_t>(m_blocks.size());
-        m_blocks.emplace_back();
+        block = m_used_blocks++;
+        if (block >= m_blocks.size()) m_blocks.resize(2 * m_blocks.size());
+        if (block >= m_next.size()) m_next.resize(m_blocks.size());
     }
     _mm_store_ps(m_blocks[block].enlarged, _mm_set1_ps(nobody));
-    m_blocks[block].next = next;
+    m_next[block] = next;
     return block;
 }
 
-void LiveCircles::put(Node& node, const Block& from, int lane) {
-    const std::uint32_t free_lane = node.circles++ % 4;
-    if (free_lane == 0) node.first_block = new_block(node.first_block);
-    Block& to = m_blocks[node.first_block];
-    to.cx[free_lane] = from.cx[lane];
-    to.cy[free_lane] = from.cy[lane];
-    to.enlarged[free_lane] = from.enlarged[lane];
-    to.right[free_lane] = from.right[lane];
-    to.v1[free_lane] = from.v1[lane];
-    to.v2[free_lane] = from.v2[lane];
-    to.v3[free_lane] = from.v3[lane];
-    ++m_size;
-}
-
 // The node's last circle takes the place.
-void LiveCircles::remove(Node& node, std::uint32_t block, int lane) {
+inline void LiveCircles::remove(Node& node, std::uint32_t block, unsigned lane) {
     const std::uint32_t first = node.first_block, last = --node.circles % 4;
     Block &to = m_blocks[block], &from = m_blocks[first];
     to.cx[lane] = from.cx[last];
     to.cy[lane] = from.cy[last];
     to.enlarged[lane] = from.enlarged[last];
     to.right[lane] = from.right[last];
-    to.v1[lane] = from.v1[last];
-    to.v2[lane] = from.v2[last];
-    to.v3[lane] = from.v3[last];
+    to.corners[lane] = from.corners[last];
     from.enlarged[last] = nobody;
     if (last == 0) {
-        node.first_block = from.next;
-        from.next = m_free_block;
+        node.first_block = m_next[first];
+        m_next[first] = m_free_block;
         m_free_block = first;
     }
     --m_size;
 }
 
-void LiveCircles::add_finished(const Block& block, int lane) {
-    const Place v1 = block.v1[lane], v2 = block.v2[lane], v3 = block.v3[lane];
+void LiveCircles::add_finished(float cx, float cy, const Corners& corners) {
+    const auto [v1, v2, v3, unused] = corners;
     const SuperTriangle& super = m_sweep.super;
-    if (!super.has(v1) && !super.has(v2) && !super.has(v3))
-        m_finished.push_back({block.cx[lane], block.cy[lane], v1, v2, v3});
+    if (!super.has(v1) && !super.has(v2) && !super.has(v3)) m_finished.push_back({cx, cy, v1, v2, v3});
 }
 
-void LiveCircles::file_lanes(const Circles& circles, const Block& triangles, int lanes, float from_x) {
+inline void LiveCircles::file_lanes(const Circles& circles, const Corners* corners, unsigned lanes,
+                                    float from_x) {
     const Leaves touched = leaves_touched(circles, from_x);
     alignas(16) std::uint32_t lowest[4], highest[4];
+    alignas(16) float cx[4], cy[4], enlarged[4], right[4];
     _mm_store_si128(reinterpret_cast<__m128i*>(lowest), touched.lowest);
     _mm_store_si128(reinterpret_cast<__m128i*>(highest), touched.highest);
-    for (int i = 0; i < 4; ++i) {
+    _mm_store_ps(cx, circles.cx);
+    _mm_store_ps(cy, circles.cy);
+    _mm_store_ps(enlarged, circles.enlarged);
+    _mm_store_ps(right, circles.right);
+
+    // A circle that is not a number has nothing inside and is never passed: it stays to the end.
+    const unsigned numbers = mask_of(_mm_cmpge_ps(circles.enlarged, _mm_setzero_ps()));
+    if (lanes & ~numbers) {
+        for (unsigned i = 0; i < 4; ++i)
+            if ((lanes & ~numbers) >> i & 1) add_finished(cx[i], cy[i], corners[i]);
+        lanes &= numbers;
+    }
+    for (unsigned i = 0; i < 4; ++i) {
         if (!(lanes >> i & 1)) continue;
-        // A circle that is not a number has nothing inside and is never passed: it stays to the end.
-        if (!(triangles.enlarged[i] >= 0)) {
-            add_finished(triangles, i);
-            continue;
-        }
-        const auto levels_up = std::bit_width(lowest[i] ^ highest[i]);
-        put(m_nodes[(m_leaves + lowest[i]) >> levels_up], triangles, i);
+        const int levels_up =
+            std::bit_width((lowest[i] ^ highest[i]) * 2 + 1) - 1; // never of zero, a slow case
+        Node& node = m_nodes[(m_leaves + lowest[i]) >> levels_up];
+        const std::uint32_t lane = node.circles++ % 4;
+        if (lane == 0) node.first_block = new_block(node.first_block);
+        Block& block = m_blocks[node.first_block];
+        block.cx[lane] = cx[i];
+        block.cy[lane] = cy[i];
+        block.enlarged[lane] = enlarged[i];
+        block.right[lane] = right[i];
+        block.corners[lane] = corners[i];
+        ++m_size;
     }
 }
 
-void LiveCircles::file(const Circles& circles, const Edge* edges, Place third, int count) {
-    Block triangles;
-    _mm_store_ps(triangles.cx, circles.cx);
-    _mm_store_ps(triangles.cy, circles.cy);
-    _mm_store_ps(triangles.enlarged, circles.enlarged);
-    _mm_store_ps(triangles.right, circles.right);
-    for (int i = 0; i < count; ++i) {
-        triangles.v1[i] = edges[i].first;
-        triangles.v2[i] = edges[i].second;
-        triangles.v3[i] = third;
+void LiveCircles::file(const Circles& circles, const Edge* edges, Place third, std::size_t count) {
+    Corners corners[4];
+    for (std::size_t i = 0; i < 4; ++i)
+        corners[i] = {edges[i].first, edges[i].second, third, 0};
+    file_lanes(circles, corners, all_lanes >> (4 - count), m_sweep.vertices[third].x);
+}
+
+// A triangle is finished as soon as a point lies beyond cx + r. As x grows and cx + r is fixed, that need not
+// be noticed at once, but the enlarged circle may still have a later point inside: such a one must not be
+// taken, hence the second comparison.
+inline void LiveCircles::take_from(Node& node, __m128 x, __m128 y, Cavity& cavity) {
+    for (std::uint32_t block = node.first_block; block != 0;) {
+        const Block& four = m_blocks[block];
+        const std::uint32_t next = m_next[block];
+        const __m128 dx = _mm_sub_ps(x, _mm_load_ps(four.cx)), dy = _mm_sub_ps(y, _mm_load_ps(four.cy));
+        const __m128 squared = _mm_add_ps(_mm_mul_ps(dx, dx), _mm_mul_ps(dy, dy));
+        unsigned inside = mask_of(_mm_cmpge_ps(_mm_load_ps(four.enlarged), squared));
+        if (inside) inside &= mask_of(_mm_cmpngt_ps(x, _mm_load_ps(four.right)));
+        // From the high lanes down, and from the first block on: what takes a removed circle's place has
+        // been looked at.
+        while (inside) {
+            const unsigned lane = highest_lane(inside);
+            inside ^= 1u << lane;
+            cavity.add(four.corners[lane]);
+            remove(node, block, lane);
+        }
+        block = next;
     }
-    file_lanes(circles, triangles, all_lanes >> (4 - count), m_sweep.vertices[third].x);
 }
 
 void LiveCircles::take_around(const Vertex& point, Cavity& cavity) {
@@ -151,30 +172,8 @@ void LiveCircles::take_around(const Vertex& point, Cavity& cavity) {
         take_from(m_nodes[node], x, y, cavity);
 }
 
-// A triangle is finished as soon as a point lies beyond cx + r. As x grows and cx + r is fixed, that need not
-// be noticed at once, but the enlarged circle may still have a later point inside: such a one must not be
-// taken, hence the second comparison.
-void LiveCircles::take_from(Node& node, __m128 x, __m128 y, Cavity& cavity) {
-    for (std::uint32_t block = node.first_block; block != 0;) {
-        const Block& four = m_blocks[block];
-        const std::uint32_t next = four.next;
-        const __m128 dx = _mm_sub_ps(x, _mm_load_ps(four.cx)), dy = _mm_sub_ps(y, _mm_load_ps(four.cy));
-        const __m128 squared = _mm_add_ps(_mm_mul_ps(dx, dx), _mm_mul_ps(dy, dy));
-        int inside = _mm_movemask_ps(_mm_cmpge_ps(_mm_load_ps(four.enlarged), squared));
-        if (inside) inside &= _mm_movemask_ps(_mm_cmpngt_ps(x, _mm_load_ps(four.right)));
-        // From the high lanes down, and from the first block on: what takes a removed circle's place has
-        // been looked at.
-        for (; inside; inside &= ~(1 << highest_lane(inside))) {
-            const int lane = highest_lane(inside);
-            cavity.add(m_blocks[block].v1[lane], m_blocks[block].v2[lane], m_blocks[block].v3[lane]);
-            remove(node, block, lane);
-        }
-        block = next;
-    }
-}
-
-int LiveCircles::circles_in(const Block& block) const {
-    return _mm_movemask_ps(_mm_cmpge_ps(_mm_load_ps(block.enlarged), _mm_setzero_ps()));
+unsigned LiveCircles::circles_in(const Block& block) const {
+    return mask_of(_mm_cmpge_ps(_mm_load_ps(block.enlarged), _mm_setzero_ps()));
 }
 
 void LiveCircles::measure_slab(Place first, std::size_t points) {
@@ -195,30 +194,36 @@ void LiveCircles::measure_slab(Place first, std::size_t points) {
 void LiveCircles::begin_slab(Place first) {
     const float x = m_sweep.vertices[first].x;
     m_old_blocks.swap(m_blocks);
+    const std::span<Block> old_blocks(m_old_blocks.data(), m_used_blocks);
     std::size_t live = 0;
-    for (Block& block : m_old_blocks) {
-        int passed =
-            circles_in(block) & _mm_movemask_ps(_mm_cmpgt_ps(_mm_set1_ps(x), _mm_load_ps(block.right)));
-        for (; passed; passed &= ~(1 << highest_lane(passed))) {
-            add_finished(block, highest_lane(passed));
-            block.enlarged[highest_lane(passed)] = nobody;
+    for (Block& block : old_blocks)
+        for (unsigned lanes = circles_in(block); lanes; lanes ^= 1u << highest_lane(lanes)) {
+            const unsigned lane = highest_lane(lanes);
+            if (x > block.right[lane]) {
+                add_finished(block.cx[lane], block.cy[lane], block.corners[lane]);
+                block.enlarged[lane] = nobody;
+            } else {
+                ++live;
+            }
         }
-        live += static_cast<std::size_t>(std::popcount(static_cast<unsigned>(circles_in(block))));
-    }
     measure_slab(first, std::max(live, shortest_slab));
+    m_most_circles = 2 * live + 4 * shortest_slab;
     m_nodes.assign(2 * m_leaves, Node{});
-    m_blocks.clear();
-    m_blocks.emplace_back();
+    m_used_blocks = 1;
     m_free_block = 0;
     m_size = 0;
-    for (const Block& block : m_old_blocks)
-        if (const int lanes = circles_in(block))
-            file_lanes(load(block.cx, block.cy, block.right, block.enlarged), block, lanes, x);
+    for (const Block& block : old_blocks)
+        if (const unsigned lanes = circles_in(block))
+            file_lanes({_mm_load_ps(block.cx), _mm_load_ps(block.cy), _mm_load_ps(block.right),
+                        _mm_load_ps(block.enlarged)},
+                       block.corners, lanes, x);
 }
 
 std::vector<FinishedTriangle> LiveCircles::finish() {
-    for (const Block& block : m_blocks)
-        for (int lanes = circles_in(block); lanes; lanes &= ~(1 << highest_lane(lanes)))
-            add_finished(block, highest_lane(lanes));
+    for (const Block& block : std::span<const Block>(m_blocks.data(), m_used_blocks))
+        for (unsigned lanes = circles_in(block); lanes; lanes ^= 1u << highest_lane(lanes)) {
+            const unsigned lane = highest_lane(lanes);
+            add_finished(block.cx[lane], block.cy[lane], block.corners[lane]);
+        }
     return std::move(m_finished);
 }

@@ -19,14 +19,13 @@ class LiveCircles {
   public:
     explicit LiveCircles(const SweepVertices& sweep);
 
-    // The first place that is not in the current slab.
-    Place slab_end() const { return m_slab_end; }
-    // Begins the slab of points that starts at `first`, a point.
+    // Whether a new slab has to begin with the point.
+    bool slab_ends_before(Place point) const { return point >= m_slab_end || m_size > m_most_circles; }
     void begin_slab(Place first);
 
-    // Files the triangles (first[i], second[i], third) with their circles, i < count <= 4. The third vertex
-    // is the sweep's current point.
-    void file(const Circles& circles, const Edge* edges, Place third, int count);
+    // Files the triangles of the edges and the third vertex, the sweep's current point, with their circles.
+    // Four edges are read, the first `count` count.
+    void file(const Circles& circles, const Edge* edges, Place third, std::size_t count);
     // Moves the triangles whose circle has the point inside into the cavity.
     void take_around(const Vertex& point, Cavity& cavity);
 
@@ -38,8 +37,7 @@ class LiveCircles {
     // Four circles. A lane without one has a negative enlarged radius, which has nothing inside.
     struct alignas(64) Block {
         float cx[4], cy[4], enlarged[4] = {-1, -1, -1, -1}, right[4];
-        Place v1[4], v2[4], v3[4];
-        std::uint32_t next; // in the node or among the free blocks; 0 is none
+        Corners corners[4];
     };
     // Only the first block of a node has free lanes, the high ones.
     struct Node {
@@ -52,22 +50,22 @@ class LiveCircles {
 
     Leaves leaves_touched(const Circles& circles, float from_x) const;
     __m128i leaf_of(__m128 y) const;
-    void file_lanes(const Circles& circles, const Block& triangles, int lanes, float from_x);
-    void put(Node& node, const Block& from, int lane);
-    void remove(Node& node, std::uint32_t block, int lane);
+    void file_lanes(const Circles& circles, const Corners* corners, unsigned lanes, float from_x);
+    void remove(Node& node, std::uint32_t block, unsigned lane);
     void take_from(Node& node, __m128 x, __m128 y, Cavity& cavity);
     std::uint32_t new_block(std::uint32_t next);
-    int circles_in(const Block& block) const;
+    unsigned circles_in(const Block& block) const;
     void measure_slab(Place first, std::size_t points);
-    void add_finished(const Block& block, int lane);
+    void add_finished(float cx, float cy, const Corners& corners);
 
     const SweepVertices& m_sweep;
     std::vector<FinishedTriangle> m_finished;
     std::vector<Block> m_blocks, m_old_blocks; // the first is not used
-    std::uint32_t m_free_block = 0;
+    std::vector<std::uint32_t> m_next; // of a block: the next in its node, or of the free blocks; 0 is none
+    std::uint32_t m_used_blocks = 1, m_free_block = 0;
     std::vector<Node> m_nodes; // 1 is the root, the children of i are 2 i and 2 i + 1
     std::uint32_t m_leaves = 1;
-    std::size_t m_size = 0;
+    std::size_t m_size = 0, m_most_circles = 0;
     Place m_slab_end = 0;
     float m_slab_right = 0, m_slab_bottom = 0, m_leaves_per_unit = 0;
 };
