@@ -33,3 +33,4 @@ void add_env_commands(CLI::App& app);
 void add_files_commands(CLI::App& app);
 void add_where_commands(CLI::App& app);
 void add_filter_commands(CLI::App& app);
+void add_triangulate_commands(CLI::App& app);
