@@ -99,5 +99,10 @@ extern "C" char* BVUTIL_CALL BvUtil_StrTrim(char* s) {
 }
 
 extern "C" double BVUTIL_CALL BvUtil_StringToDouble(const char* s) {
-    return s ? text_to_double(s) : -std::numeric_limits<double>::infinity();
+    constexpr double failure = -std::numeric_limits<double>::infinity();
+    if (!s) return failure;
+    // What follows the number is not looked at: callers step through long lists of them.
+    const std::size_t blanks = std::strspn(s, " \t\n\v\f\r");
+    const std::size_t length = blanks + std::strspn(s + blanks, "+-.0123456789eEdD");
+    return guarded(failure, [&] { return text_to_double({s, length}); });
 }

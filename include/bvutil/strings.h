@@ -167,11 +167,11 @@ BVUTIL_API char* BVUTIL_CALL BvUtil_StrRTrim(char* s);
  *  @return @p s, also null. */
 BVUTIL_API char* BVUTIL_CALL BvUtil_StrTrim(char* s);
 
-/** Converts the number that a text begins with; what follows it is ignored. The decimal sign is a point in
- *  every locale; `d` marks an exponent as `e` does.
+/** Converts the number that a text begins with; what follows it is not looked at, however long. White space
+ *  in front is skipped. The decimal sign is a point in every locale; `d` marks an exponent as `e` does.
  *
  *  @return The nearest double; 0 when the text begins with no number; an infinity when it is too large;
- *          negative infinity for null. */
+ *          negative infinity for null and when memory ran out. */
 BVUTIL_API double BVUTIL_CALL BvUtil_StringToDouble(const char* s);
 
 /** @} */

@@ -202,7 +202,16 @@ TEST(Trim, RemovesWhiteSpaceAndFillsWithZeros) {
 TEST(StringToDouble, ConvertsTheLeadingNumber) {
     EXPECT_EQ(BvUtil_StringToDouble("12abc"), 12);
     EXPECT_EQ(BvUtil_StringToDouble("abc"), 0);
+    EXPECT_EQ(BvUtil_StringToDouble(" \t-1.5d+3,x"), -1500);
     EXPECT_EQ(BvUtil_StringToDouble(nullptr), -HUGE_VAL);
+    // Looked at to its end for each number, this would be 1e12 bytes.
+    std::string list;
+    for (int i = 0; i < 1'000'000; ++i)
+        list += " 7";
+    double sum = 0;
+    for (const char* s = list.c_str(); *s; s += 2)
+        sum += BvUtil_StringToDouble(s);
+    EXPECT_EQ(sum, 7e6);
 }
 
 } // namespace
