@@ -21,7 +21,7 @@ HINSTANCE module_instance() {
 void CBvUtilDll::init_instance() {
     m_com_initialised = SUCCEEDED(CoInitialize(nullptr));
     write_to_logfile = false;
-    log_stream = nullptr;
+    log_stream.reset();
     calculator = nullptr;
 }
 
@@ -30,14 +30,12 @@ void CBvUtilDll::exit_instance() {
     // Only our own initialisation is taken back: a thread that had chosen another COM model keeps it.
     if (m_com_initialised) CoUninitialize();
     m_com_initialised = false;
-    if (log_stream) std::fclose(log_stream);
-    log_stream = nullptr;
+    log_stream.reset();
 }
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID) {
     if (reason == DLL_PROCESS_ATTACH) {
         the_instance = instance;
-        DisableThreadLibraryCalls(instance);
         the_application.init_instance();
     } else if (reason == DLL_PROCESS_DETACH) {
         the_application.exit_instance();

@@ -1,7 +1,7 @@
 // The application object: what lives as long as the library is loaded.
 #pragma once
 
-#include <cstdio>
+#include "module/handles.h"
 
 class CBvUtilDll {
   public:
@@ -12,7 +12,7 @@ class CBvUtilDll {
 
     // The log (BvUtil_Message and its switches).
     bool write_to_logfile = false;
-    std::FILE* log_stream = nullptr;
+    unique_stream log_stream;
 
     // The calculator component's interface; null means not connected. Dropped, not released, at module
     // stop: by then the component's own module may be gone.

@@ -29,7 +29,7 @@ void show_box(const std::string& text, const char* caption) {
 void open_alternative_log(CBvUtilDll& app, const char* path) {
     for (long n = 1; n <= alternative_logs; ++n) {
         const std::string alternative = formatted("%s_%ld", path, n);
-        app.log_stream = std::fopen(alternative.c_str(), "w");
+        app.log_stream.reset(std::fopen(alternative.c_str(), "w"));
         if (app.log_stream) {
             show_box(formatted(load_string(IDS_LOG_RENAMED).c_str(), path, alternative.c_str()), nullptr);
             return;
@@ -50,9 +50,9 @@ extern "C" void BVUTIL_CALL BvUtil_Message(const char* text1, const char* text2,
 
         const CBvUtilDll& app = application();
         if (app.write_to_logfile && app.log_stream) {
-            std::fprintf(app.log_stream, "%s :: %s in \"%s\" line %d\n", local_time_text().c_str(),
+            std::fprintf(app.log_stream.get(), "%s :: %s in \"%s\" line %d\n", local_time_text().c_str(),
                          text.c_str(), sourceFile ? sourceFile : "", line);
-            std::fflush(app.log_stream);
+            std::fflush(app.log_stream.get());
             return;
         }
         const std::string caption =
@@ -66,13 +66,12 @@ extern "C" void BVUTIL_CALL BvUtil_SetWriteToLogfile(int enable, const char* log
         CBvUtilDll& app = application();
         app.write_to_logfile = enable != 0;
         if (!enable) {
-            if (app.log_stream) std::fclose(app.log_stream);
-            app.log_stream = nullptr;
+            app.log_stream.reset();
             return;
         }
         if (app.log_stream || !logPath) return;
         // "c": the runtime commits to disk on every flush.
-        app.log_stream = std::fopen(logPath, append ? "ac" : "wc");
+        app.log_stream.reset(std::fopen(logPath, append ? "ac" : "wc"));
         if (!app.log_stream) open_alternative_log(app, logPath);
     });
 }
