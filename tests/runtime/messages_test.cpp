@@ -20,13 +20,17 @@ class Messages : public testing::Test {
 };
 
 TEST_F(Messages, GoToABoxTitledWithTheSource) {
+    const HWND window = CreateWindowA("EDIT", "", WS_VISIBLE, 0, 0, 9, 9, nullptr, nullptr, nullptr, nullptr);
+    SetFocus(window);
     BvUtil_Message("one ", nullptr, "three", "Unit", 12);
+    DestroyWindow(window);
     BvUtil_Message(nullptr, nullptr, nullptr, nullptr, 5);
     const auto shown = boxes.take();
     ASSERT_EQ(shown.size(), 2u);
     EXPECT_EQ(shown[0].caption, "MESSAGE in \"Unit\" line 12:");
     EXPECT_EQ(shown[0].text, "one three");
     EXPECT_FALSE(shown[0].has_icon);
+    EXPECT_EQ(shown[0].owner, window);
     EXPECT_EQ(shown[1].caption, "MESSAGE");
     EXPECT_EQ(shown[1].text, "");
 }
@@ -80,15 +84,26 @@ TEST_F(Messages, TakeAnAlternativeLogName) {
     EXPECT_EQ(read_file(log + "_2").find("old"), std::string::npos) << "alternatives are overwritten";
 }
 
-TEST_F(Messages, SwitchLoggingOffWhenNoLogCanBeOpened) {
-    BvUtil_SetWriteToLogfile(1, (dir.path() + "\\missing\\log.txt").c_str(), 0);
+TEST_F(Messages, SwitchLoggingOffAfterTwentyAlternatives) {
+    const std::string log = dir.file("log.txt");
+    std::filesystem::create_directory(log);
+    for (int n = 1; n <= 20; ++n)
+        std::filesystem::create_directory(log + "_" + std::to_string(n));
+    BvUtil_SetWriteToLogfile(1, log.c_str(), 0);
+    MessageBoxA(nullptr, "", nullptr, 0);
     const auto shown = boxes.take();
-    ASSERT_EQ(shown.size(), 1u);
+    ASSERT_EQ(shown.size(), 2u);
     EXPECT_EQ(shown[0].text, "Es konnte keine Logdatei im Ausf\xFChrungsverzeichnis angelegt oder ge\xF6"
                              "ffnet werden!");
+    EXPECT_EQ(shown[0].caption, shown[1].caption) << "the system's own title";
     EXPECT_EQ(BvUtil_GetWriteToLogfile(), 0);
     BvUtil_Message("x", nullptr, nullptr, nullptr, 0);
     EXPECT_EQ(boxes.take().size(), 1u);
+
+    std::filesystem::remove(log + "_20");
+    BvUtil_SetWriteToLogfile(1, log.c_str(), 0);
+    EXPECT_EQ(BvUtil_GetWriteToLogfile(), 1);
+    EXPECT_TRUE(std::filesystem::is_regular_file(log + "_20"));
 }
 
 } // namespace
