@@ -18,6 +18,7 @@ std::span<const Edge> Cavity::boundary() {
     const std::size_t most = 3 * m_count;
     if (m_boundary.size() < most + readable_behind) m_boundary.resize(2 * most);
     const std::size_t count = m_sweep.corners_coincide ? find_boundary_by_coordinates()
+                              : most <= 36             ? find_small_boundary()
                               : most > most_edges      ? find_large_boundary()
                                                        : find_boundary();
     return {m_boundary.data(), count};
@@ -40,6 +41,41 @@ inline std::size_t Cavity::toggle(Place p, Place q, std::size_t seen) {
     m_edges[seen] = edge;
     m_odd[seen] = 1;
     return seen + 1;
+}
+
+// A dozen triangles at most: every edge against every other, four at a time and without a branch.
+std::size_t Cavity::find_small_boundary() {
+    alignas(16) Place first[36], second[36];
+    std::size_t edges = 0;
+    for (std::size_t i = 0; i < m_count; ++i) {
+        const auto [v1, v2, v3, unused] = m_triangles[i];
+        for (const Edge& edge : {ordered(v1, v2), ordered(v2, v3), ordered(v3, v1)}) {
+            first[edges] = edge.first;
+            second[edges++] = edge.second;
+        }
+    }
+    const std::size_t groups = (edges + 3) / 4;
+    for (std::size_t i = edges; i < 4 * groups; ++i)
+        first[i] = second[i] = ~Place{0};
+    std::size_t kept = 0;
+    Edge* const boundary = m_boundary.data();
+    for (std::size_t i = 0; i < edges; ++i) {
+        const __m128i f = _mm_set1_epi32(static_cast<int>(first[i])),
+                      s = _mm_set1_epi32(static_cast<int>(second[i]));
+        __m128i count = _mm_setzero_si128();
+        for (std::size_t g = 0; g < groups; ++g) {
+            const __m128i fs = _mm_load_si128(reinterpret_cast<const __m128i*>(first) + g);
+            const __m128i ss = _mm_load_si128(reinterpret_cast<const __m128i*>(second) + g);
+            count = _mm_sub_epi32(count, _mm_and_si128(_mm_cmpeq_epi32(f, fs), _mm_cmpeq_epi32(s, ss)));
+        }
+        count = _mm_add_epi32(count, _mm_shuffle_epi32(count, 0x4E));
+        count = _mm_add_epi32(count, _mm_shuffle_epi32(count, 0xB1));
+        const auto equal = static_cast<unsigned>(_mm_cvtsi128_si32(count));
+        boundary[kept] = {first[i], second[i]};
+        kept += equal & 1;
+        if (equal > 2) return find_boundary(); // an edge of three triangles and more: once is enough
+    }
+    return kept;
 }
 
 std::size_t Cavity::find_boundary() {

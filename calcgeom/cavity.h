@@ -35,6 +35,7 @@ class Cavity {
 
   private:
     std::size_t toggle(Place p, Place q, std::size_t seen);
+    std::size_t find_small_boundary();
     std::size_t find_boundary();
     std::size_t find_large_boundary();
     std::size_t find_boundary_by_coordinates();
