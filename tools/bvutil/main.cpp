@@ -38,6 +38,7 @@ int main(int argc, char** argv) {
     add_where_commands(app);
     add_filter_commands(app);
     add_triangulate_commands(app);
+    add_image_commands(app);
 
     if (!arguments_are_ansi()) {
         print_error("an argument holds a character that code page " + std::to_string(GetACP()) + " lacks");
