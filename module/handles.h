@@ -131,20 +131,3 @@ class selected_object {
     HDC m_dc;
     HGDIOBJ m_former;
 };
-
-// The DC of a window, or of the screen for null, for its lifetime.
-class window_dc {
-  public:
-    explicit window_dc(HWND window) noexcept : m_window(window), m_dc(GetDC(window)) {}
-    window_dc(const window_dc&) = delete;
-    window_dc& operator=(const window_dc&) = delete;
-    ~window_dc() {
-        if (m_dc) ReleaseDC(m_window, m_dc);
-    }
-    HDC get() const noexcept { return m_dc; }
-    explicit operator bool() const noexcept { return m_dc != nullptr; }
-
-  private:
-    HWND m_window;
-    HDC m_dc;
-};
