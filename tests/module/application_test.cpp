@@ -1,4 +1,5 @@
 // The application object: start, stop and resources.
+#include "module/handles.h"
 #include "module/resource.h"
 #include "tests/support/second_copy.h"
 
@@ -46,6 +47,11 @@ TEST(Resources, TellTheVersion) {
     EXPECT_EQ(info->dwFileType, static_cast<DWORD>(VFT_DLL));
 }
 
+void run_in_thread(LPTHREAD_START_ROUTINE run, void* parameter) {
+    const unique_kernel_handle thread(CreateThread(nullptr, 0, run, parameter, 0, nullptr));
+    WaitForSingleObject(thread.get(), INFINITE);
+}
+
 struct ComStates {
     HRESULT inside = E_FAIL;
     HRESULT after = E_FAIL;
@@ -64,11 +70,23 @@ DWORD WINAPI probe_com(void* parameter) {
 
 TEST(Application, InitialisesComForTheLoadingThreadAndTakesItBack) {
     ComStates states;
-    const HANDLE thread = CreateThread(nullptr, 0, probe_com, &states, 0, nullptr);
-    WaitForSingleObject(thread, INFINITE);
-    CloseHandle(thread);
+    run_in_thread(probe_com, &states);
     EXPECT_EQ(states.inside, S_FALSE) << "it was initialised already";
     EXPECT_EQ(states.after, S_OK);
+}
+
+DWORD WINAPI probe_other_com(void* parameter) {
+    CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+    SecondCopy().unload();
+    *static_cast<HRESULT*>(parameter) = CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+    CoUninitialize();
+    return 0;
+}
+
+TEST(Application, LeavesAThreadTheComModelThatItChose) {
+    HRESULT after = E_FAIL;
+    run_in_thread(probe_other_com, &after);
+    EXPECT_EQ(after, RPC_E_CHANGED_MODE);
 }
 
 TEST(Application, ClosesAnOpenLogWhenUnloaded) {
