@@ -60,7 +60,7 @@ extern "C" char* BVUTIL_CALL BvUtil_GetProgPathAppData(char* path) {
         const bool find = finds_common_folder(major, minor);
         std::optional<std::string> folder = find ? shell_folder(CSIDL_COMMON_APPDATA) : path;
         if (!folder) return nullptr;
-        // The first backslash is the last character, or some is not.
+        // Kept: any backslash but the last character asks for one at the end, even behind another.
         const std::size_t backslash = find_character(*folder, '\\');
         if (backslash != std::string::npos && backslash + 1 != folder->size()) *folder += '\\';
         *folder += "Morvane Software GmbH\\Brenvik Morvane +2011\\Programm";
