@@ -22,7 +22,6 @@ EnvStatus traverse(const Address& address, bool exact, EnvVisit callback, void* 
 }
 
 EnvStatus list_names(const Address& address, bool exact, char separator, std::size_t size, char* buf) {
-    buf[0] = '\0';
     const Found found = find(address, exact);
     if (found.status == ENV_INVALID || found.status == ENV_BAD_PATH) return found.status;
     if (found.status != ENV_IS_BLOCK) return ENV_IS_BLOCK; // kept: -2 for "not a block"
@@ -88,6 +87,7 @@ EnvStatus BVUTIL_CALL env_traverse_leafs(EnvHandle env, EnvVisit callback, void*
 
 EnvStatus BVUTIL_CALL env_list_elem_names(EnvHandle env, const char* section, const char* path, int exact,
                                           char separator, long buf_size, char* buf) {
+    if (buf && buf_size >= 2) buf[0] = '\0'; // whatever fails, a null handle too
     return for_handle(env, [&]() -> EnvStatus {
         if (buf_size < 2) return ENV_TOO_SMALL;
         if (!buf) return ENV_INVALID;
