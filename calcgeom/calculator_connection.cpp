@@ -11,13 +11,19 @@ namespace {
 
 constexpr DWORD server_kinds = CLSCTX_INPROC_SERVER | CLSCTX_LOCAL_SERVER | CLSCTX_REMOTE_SERVER;
 
+// What a failed call stored is not a reference.
+template <class Interface>
+void keep_if(HRESULT result, com_ptr<Interface>& stored) {
+    if (FAILED(result)) stored.release();
+}
+
 com_ptr<IUnknown> create_calculator() {
     com_ptr<IClassFactory> factory;
     com_ptr<IUnknown> object;
-    if (SUCCEEDED(CoGetClassObject(calculator_class_id, server_kinds, nullptr, IID_IClassFactory,
-                                   factory.put_void())) &&
-        factory && FAILED(factory->CreateInstance(nullptr, IID_IUnknown, object.put_void())))
-        object.release(); // what a failed call stored is not a reference
+    keep_if(
+        CoGetClassObject(calculator_class_id, server_kinds, nullptr, IID_IClassFactory, factory.put_void()),
+        factory);
+    if (factory) keep_if(factory->CreateInstance(nullptr, IID_IUnknown, object.put_void()), object);
     return object;
 }
 

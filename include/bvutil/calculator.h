@@ -4,8 +4,9 @@
  *  The library evaluates and formats nothing itself: each function passes its work to the calculator, a COM
  *  object of the class {9BA593B7-2640-493B-AA8A-B3D9172337C1}, through its interface
  *  {9464C5B0-CAB6-4093-A21D-4572A1B7513E}. The first call of any of them connects, once for the process.
- * While the calculator is missing, every call tries again and, having failed, shows a message box with "Keine
- *  Verbindung zum Calculator(COM-Objekt)", which it waits for.
+ *  While the calculator is missing, every call tries again and, having failed, shows a message box with
+ *  "Keine Verbindung zum Calculator(COM-Objekt)", which it waits for. A call with a null argument is refused
+ *  before that: without connecting and without a message.
  *
  *  The @p option values go to the calculator unchanged and mean what it makes of them. For BvCalc.dll, the
  *  calculator that comes with this library, docs/calculator.md defines every one of them.

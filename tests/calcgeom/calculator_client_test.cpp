@@ -80,6 +80,11 @@ TEST_F(CalculatorClient, TellsOnEveryCallThatTheCalculatorIsMissing) {
 TEST_F(CalculatorClient, TriesAgainAfterEachFailedStepAndKeepsNoReference) {
     start_server();
     const LONG factory_references = server.factory_references;
+    server.factory_result = E_NOINTERFACE;
+    init(0);
+    EXPECT_EQ(server.take_calls(), Calls{});
+    EXPECT_EQ(server.factory_references, factory_references);
+    server.factory_result = S_OK;
     server.create_result = E_OUTOFMEMORY;
     init(1);
     EXPECT_EQ(server.take_calls(), Calls{"create"});
@@ -89,7 +94,7 @@ TEST_F(CalculatorClient, TriesAgainAfterEachFailedStepAndKeepsNoReference) {
     EXPECT_EQ(server.take_calls(), (Calls{"create", "query calculator"}));
     EXPECT_EQ(server.object_references, 0);
     EXPECT_EQ(server.factory_references, factory_references);
-    EXPECT_EQ(boxes.take().size(), 2u);
+    EXPECT_EQ(boxes.take().size(), 3u);
 
     server.query_result = S_OK;
     init(3);

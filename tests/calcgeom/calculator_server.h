@@ -13,6 +13,7 @@
 
 struct CalculatorServer {
     // The script.
+    HRESULT factory_result = S_OK; // when one of the first three fails, a pointer without reference is stored
     HRESULT create_result = S_OK;
     HRESULT query_result = S_OK;
     HRESULT call_result = S_OK;
@@ -61,8 +62,9 @@ struct CalculatorServer {
     static HRESULT WINAPI query(Facet* self, const IID& id, void** out) {
         CalculatorServer& server = *self->server;
         server.record(id == interface_id ? "query calculator" : "query");
-        *out = nullptr;
+        *out = self;
         if (FAILED(server.query_result)) return server.query_result;
+        *out = nullptr;
         if (id != interface_id && id != IID_IUnknown) return E_NOINTERFACE;
         ++server.object_references;
         *out = self;
@@ -102,6 +104,8 @@ struct CalculatorServer {
     }
 
     static HRESULT WINAPI query_factory(Facet* self, const IID& id, void** out) {
+        *out = self;
+        if (FAILED(self->server->factory_result)) return self->server->factory_result;
         *out = nullptr;
         if (id != IID_IClassFactory && id != IID_IUnknown) return E_NOINTERFACE;
         ++self->server->factory_references;
@@ -113,10 +117,9 @@ struct CalculatorServer {
     static HRESULT WINAPI create(Facet* self, IUnknown* outer, const IID& id, void** out) {
         CalculatorServer& server = *self->server;
         server.record(!outer && id == IID_IUnknown ? "create" : "create something else");
-        *out = nullptr;
+        *out = &server.m_object;
         if (FAILED(server.create_result)) return server.create_result;
         ++server.object_references;
-        *out = &server.m_object;
         return S_OK;
     }
     static HRESULT WINAPI lock(Facet*, BOOL) { return S_OK; }
