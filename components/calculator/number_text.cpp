@@ -90,10 +90,12 @@ class NumberTextReader {
         if (at_end()) return {Code::empty, m_at + 1};
         const bool negative = m_text[m_at] == u'-';
         if (negative || m_text[m_at] == u'+') ++m_at;
+        const std::size_t start = m_at;
         double sum = 0;
         if (Failure failure = read_sum(sum); failure.code != Code::success) return failure;
         skip_spaces();
         if (!at_end()) return {Code::syntax, m_at + 1};
+        if (!std::isfinite(sum)) return {Code::overflow, start + 1};
         value = negative ? -sum : sum;
         return {};
     }

@@ -236,8 +236,9 @@ TEST(NumberTexts, AreWrittenSo) {
 }
 
 TEST(NumberTexts, AreReadSo) {
+    const std::string huge = "17" + std::string(307, '0');
     const struct {
-        const char* text;
+        std::string text;
         Code code;
         double value; // or the position
     } cases[] = {
@@ -254,6 +255,7 @@ TEST(NumberTexts, AreReadSo) {
         {"- 1", Code::syntax, 2},
         {"", Code::empty, 1},
         {"1e999", Code::overflow, 1},
+        {"-" + huge + " " + huge + "/1", Code::overflow, 2},
         {"1 2/", Code::syntax, 5},
         {"1,2,3", Code::syntax, 1},
     };
