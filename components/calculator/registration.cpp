@@ -1,6 +1,8 @@
 #include "components/calculator/registration.h"
 
+#include <array>
 #include <string>
+#include <string_view>
 
 namespace {
 
@@ -44,9 +46,17 @@ LSTATUS register_at(HKEY root, const std::wstring& path) {
     return status;
 }
 
+bool is_ours(HKEY root) {
+    std::array<wchar_t, std::size(description)> text{};
+    DWORD size = sizeof text;
+    return RegGetValueW(root, class_key().c_str(), nullptr, RRF_RT_REG_SZ, nullptr, text.data(), &size) ==
+               ERROR_SUCCESS &&
+           std::wstring_view(text.data()) == description;
+}
+
+// Another calculator of the same class keeps its registration.
 LSTATUS remove_at(HKEY root) {
-    const LSTATUS status = RegDeleteTreeW(root, class_key().c_str());
-    return status == ERROR_FILE_NOT_FOUND ? ERROR_SUCCESS : status;
+    return is_ours(root) ? RegDeleteTreeW(root, class_key().c_str()) : ERROR_SUCCESS;
 }
 
 } // namespace

@@ -80,6 +80,17 @@ TEST(BvCalc, RegistersForTheUserWhereTheMachineRefuses) {
     EXPECT_FALSE(key_exists(HKEY_CURRENT_USER, calculator_class_key));
 }
 
+TEST(BvCalc, LeavesAnotherCalculatorsRegistration) {
+    const HiddenCalculatorRegistration hidden;
+    const Component component;
+    for (const HKEY root : {HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER}) {
+        const char description[] = "Another calculator";
+        RegSetKeyValueA(root, calculator_class_key, nullptr, REG_SZ, description, sizeof description);
+        EXPECT_EQ(component.call("DllUnregisterServer"), S_OK);
+        EXPECT_TRUE(key_exists(root, calculator_class_key));
+    }
+}
+
 TEST(BvCalc, CountsWhatKeepsItLoaded) {
     const Component component;
     void* out = &out;
