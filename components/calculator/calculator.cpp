@@ -6,7 +6,6 @@
 namespace {
 
 constexpr char result_name[] = "ans";
-constexpr std::size_t most_variables = 10'000;
 
 // calc_init.
 constexpr std::int32_t init_angle = 0xF;
@@ -66,19 +65,15 @@ void Calculator::expression(std::u16string_view text, std::int32_t angle, std::i
         return;
     }
     Assignments assignments(m_variables);
-    const Evaluation evaluation = evaluate_in_unit(text, angle, true, assignments);
+    Evaluation evaluation = evaluate_in_unit(text, angle, true, assignments);
+    if (evaluation.failure.code == Code::success) {
+        assignments.set(result_name, evaluation.value);
+        const std::string name = std::string(1, 'r').append(std::to_string(destination));
+        if (destination > 0 && !assignments.set(name, evaluation.value))
+            evaluation.failure.code = Code::too_complex;
+    }
     if (keep(of_expression, evaluation.failure) != Code::success) return;
-    assignments.set(result_name, evaluation.value);
-    if (destination > 0) {
-        std::string name(1, 'r');
-        name += std::to_string(destination);
-        assignments.set(name, evaluation.value);
-    }
     Variables changed = assignments.take();
-    if (m_variables.size() + changed.size() > most_variables) {
-        keep(of_expression, {Code::too_complex, 0});
-        return;
-    }
     // What is left in `changed` after the merge are new values of names that were there.
     m_variables.merge(changed);
     for (const auto& [name, value] : changed)

@@ -31,6 +31,12 @@ struct Pending {
     std::size_t first_argument = 0; // on the operand stack
 };
 
+// A name that a statement assigns to.
+struct Target {
+    std::string name;
+    std::size_t position;
+};
+
 bool opens(const Pending& pending) {
     return pending.kind == Kind::parenthesis || pending.kind == Kind::call;
 }
@@ -75,8 +81,8 @@ class Evaluator {
         if (!ok()) return;
         m_value = m_operands.back();
         m_operands.clear();
-        for (const std::string& name : m_targets)
-            m_variables.set(name, m_value);
+        for (const Target& target : m_targets)
+            if (!m_variables.set(target.name, m_value)) fail(Code::too_complex, target.position);
         skip_spaces();
         if (!m_may_assign && !at_end()) fail(Code::assignment, m_at);
     }
@@ -99,7 +105,7 @@ class Evaluator {
             if (!m_may_assign || find_function(name) || find_constant(name))
                 return fail(Code::assignment, start);
             ++m_at;
-            m_targets.push_back(name);
+            m_targets.push_back({name, start});
         }
     }
 
@@ -290,7 +296,7 @@ class Evaluator {
     std::size_t m_at = 0;
     std::vector<double> m_operands;
     std::vector<Pending> m_pending;
-    std::vector<std::string> m_targets;
+    std::vector<Target> m_targets;
     bool m_ended = false;
     double m_value = 0;
     Failure m_failure;

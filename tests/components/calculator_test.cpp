@@ -146,6 +146,21 @@ TEST(Expressions, AFailureChangesNoVariable) {
     EXPECT_EQ(value, 111);
 }
 
+TEST(Expressions, GoOnWithAsManyVariablesAsThereCanBe) {
+    Calculator calculator;
+    for (int i = 1; i < 10'000; ++i) // ans is one of them
+        calculator.expression(wide("v" + std::to_string(i) + "=1"), 0, 0);
+    calculator.expression(u"v1=v2=v3=7", 0, 0);
+    EXPECT_EQ(failure_of(calculator), "4096@0");
+    calculator.expression(u"v1=8; w=9", 0, 0);
+    EXPECT_EQ(failure_of(calculator), "4106@7");
+    calculator.expression(u"8", 0, 1);
+    EXPECT_EQ(failure_of(calculator), "4106@0");
+    double value = 0;
+    calculator.string_to_double(u"v3+ans", 0, value);
+    EXPECT_EQ(value, 14);
+}
+
 TEST(Options, ChooseTheAngleUnit) {
     Calculator calculator;
     double value = 0;
