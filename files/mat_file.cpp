@@ -57,14 +57,14 @@ CBvMatFile& CBvMatFile::operator=(const CBvMatFile& other) {
 CBvMatFile::~CBvMatFile() = default;
 
 int CBvMatFile::Read(const std::string& path) {
-    m_loaded = 0;
     return guarded(0, [&] {
         m_path = path;
         const char* const file = m_path.c_str();
         if (!file_access::readable(file)) {
             m_path.clear();
-            return 0;
+            return m_loaded = 0;
         }
+        // Kept: a file that turns out to be no material leaves the flag as it was.
         const MaterialValue name(file, head_section, name_key, "");
         if (name.empty()) return 0;
         m_logName = name.text();

@@ -81,9 +81,10 @@ class BVUTIL_API CBvMatFile {
      *  is no key for 0 to 255 (kept: callers rely on it).
      *
      *  @param path  Path with a directory: the platform looks a bare file name up in the Windows directory.
-     *  @return 1 when loaded, else 0 and IsLoaded() is 0: the file cannot be read (the stored path becomes
-     *          empty); it has no name (nothing else changes); `kdiffus` is empty (only the log name changes)
-     *          or `kambient` is empty (only `diffuse` is set, all other numbers are 0). */
+     *  @return 1 when loaded, else 0. Then either the file cannot be read: the stored path becomes empty and
+     *          IsLoaded() 0. Or IsLoaded() stays as it was (kept: callers rely on it), and the file has no
+     *          name; or `kdiffus` is empty: the log name is the new one; or `kambient` is empty: so is the
+     *          log name, `diffuse` is set and all other numbers are 0. Nothing else changes. */
     int Read(const std::string& path);
 
     /** Writes the material into a file that exists, and leaves the file's other keys and sections as they
@@ -98,7 +99,8 @@ class BVUTIL_API CBvMatFile {
     /** Write() to the path of the last Read(). */
     int Write();
 
-    /** @return 1 when the last Read() loaded the material, else 0. */
+    /** @return 1 once a Read() has loaded a material, until one meets a file that cannot be read; else 0.
+     *          Whether a certain Read() has loaded, its own result tells. */
     int IsLoaded();
 
     /** @return The numbers, for reading and changing; they belong to the object and live as long as it. The

@@ -135,8 +135,9 @@ TEST_F(MatFile, StopsAtTheFirstThingThatIsMissing) {
     for (const auto& [text, name, diffuse, ambient, bits] : cases) {
         ASSERT_EQ(load(), 1);
         write_file(path, text);
+        EXPECT_EQ(CBvMatFile(path).IsLoaded(), 0) << text;
         EXPECT_EQ(file.Read(path), 0) << text;
-        EXPECT_EQ(file.IsLoaded(), 0) << text;
+        EXPECT_EQ(file.IsLoaded(), 1) << "the flag of the material before\n" << text;
         EXPECT_EQ(log_name(file), name);
         EXPECT_EQ(texture(file), "t.bmp");
         EXPECT_EQ(file.GetMaterialPtr()->diffuse, diffuse) << text;
