@@ -29,8 +29,8 @@ void PS_CALL report_progress(std::int32_t done, std::int32_t total) noexcept {
     PSFilter_* filter = host_state().current;
     if (!filter) return;
     filter->progress_fraction = static_cast<float>(done) / static_cast<float>(total);
-    if (filter->progress)
-        filter->aborted = !filter->progress(filter->progress_fraction, filter->callback_context);
+    if (filter->progress && !filter->progress(filter->progress_fraction, filter->callback_context))
+        filter->aborted = true;
 }
 
 ps::OSErr PS_CALL advance_state() noexcept {

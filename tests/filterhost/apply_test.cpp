@@ -282,7 +282,7 @@ BvUtilBool BVUTIL_STDCALL tell(float fraction, void* context) {
     return static_cast<Told*>(context)->go_on;
 }
 
-// A stop that the callback asked for is remembered until the next progress report.
+// A stop that a progress report met with is remembered until the end of the application.
 TEST_F(FilterRun, ReportsProgressAndStops) {
     Told told;
     std::string answers;
@@ -310,8 +310,11 @@ TEST_F(FilterRun, ReportsProgressAndStops) {
     progress_context = &told;
     progress = tell;
     EXPECT_TRUE(apply(1, 1));
-    EXPECT_EQ(answers, "ggsgsg");
-    EXPECT_EQ(told.fractions, (std::vector<float>{0, 1 / 3.f, 1 / 3.f, 1 / 3.f, 2 / 3.f, 1, 1}));
+    EXPECT_EQ(answers, "ggsgss");
+    EXPECT_EQ(told.fractions, (std::vector<float>{0, 1 / 3.f, 1 / 3.f, 1 / 3.f, 2 / 3.f, 1}));
+    answers.clear();
+    EXPECT_TRUE(apply(1, 1));
+    EXPECT_EQ(answers, "ggsgss") << "the next application begins anew";
 }
 
 // What a start call took and never gave back must not reach the next image.
