@@ -10,7 +10,8 @@
 namespace {
 
 // Makes a filter the current one for the length of an application, and lets go of all that was the caller's
-// at its end, together with buffers that an early end left with the plug-in.
+// at its end. Buffers that an early end left with the plug-in stay in the record (kept): the next exchange
+// takes them back, and writes that output into the image of its own application.
 class CurrentFilter {
   public:
     explicit CurrentFilter(PSFilter_& filter) noexcept : m_filter(filter) { host_state().current = &filter; }
@@ -21,10 +22,6 @@ class CurrentFilter {
         m_filter.output_image = nullptr;
         m_filter.progress = nullptr;
         m_filter.callback_context = nullptr;
-        m_filter.input_buffer.reset();
-        m_filter.output_buffer.reset();
-        m_filter.record.inData = nullptr;
-        m_filter.record.outData = nullptr;
         host_state().current = nullptr;
     }
 

@@ -7,7 +7,8 @@
 #include "module/module_instance.h"
 
 #include <algorithm>
-#include <iterator>
+#include <cstdlib>
+#include <utility>
 
 namespace {
 
@@ -55,37 +56,44 @@ BasicImage<Byte> as_image(const PSFilter_& filter, Byte* pixels) {
     return {{pixels, image_size(filter)}, filter.width, filter.height, filter.source_row_bytes};
 }
 
+struct FreeMemory {
+    void operator()(std::byte* memory) const noexcept { std::free(memory); }
+};
+using SampleBuffer = std::unique_ptr<std::byte, FreeMemory>;
+
+// What the record's pointer owns; the pointer becomes null.
+SampleBuffer take_back(void*& in_record, Loan& loan) {
+    auto* held = static_cast<std::byte*>(std::exchange(in_record, nullptr));
+    const Loan ended = std::exchange(loan, {});
+    return SampleBuffer(ended.has(held) ? ended.start : held);
+}
+
 // A buffer for the tile with the image's samples in it; null when no such buffer can be had.
-SampleBuffer hand_out(const ConstImage& image, const Tile& tile) {
+void* hand_out(const ConstImage& image, const Tile& tile, Loan& loan) {
     const auto size = tile.buffer_size();
-    SampleBuffer buffer(size ? static_cast<std::byte*>(std::malloc(*size)) : nullptr);
-    if (buffer) gather(image, tile, buffer.get());
-    return buffer;
+    if (!size) return nullptr;
+    loan = {static_cast<std::byte*>(std::malloc(*size)), *size};
+    if (loan.start) gather(image, tile, loan.start);
+    return loan.start;
 }
 
 } // namespace
 
 void exchange_buffers(PSFilter_& filter) {
     ps::FilterRecord& record = filter.record;
-    // The host knows its buffers itself: a plug-in may have moved the record's pointers along.
-    filter.input_buffer.reset();
-    record.inData = nullptr;
-    if (record.outData && filter.output_buffer)
-        write_back(as_image(filter, filter.output_image), filter.handed_out, filter.output_buffer.get());
-    filter.output_buffer.reset();
-    record.outData = nullptr;
+    take_back(record.inData, filter.input_loan);
+    if (const SampleBuffer output = take_back(record.outData, filter.output_loan))
+        write_back(as_image(filter, filter.output_image), filter.handed_out, output.get());
 
     if (is_non_empty(record.inRect)) {
         const Tile tile(record.inRect, record.inLoPlane, record.inHiPlane);
-        filter.input_buffer = hand_out(as_image(filter, filter.input_image), tile);
-        record.inData = filter.input_buffer.get();
+        record.inData = hand_out(as_image(filter, filter.input_image), tile, filter.input_loan);
         record.inRowBytes = tile.row_bytes;
     }
     if (is_non_empty(record.outRect)) {
         filter.handed_out = Tile(record.outRect, record.outLoPlane, record.outHiPlane);
-        filter.output_buffer =
-            hand_out(as_image<const std::byte>(filter, filter.output_image), filter.handed_out);
-        record.outData = filter.output_buffer.get();
+        record.outData = hand_out(as_image<const std::byte>(filter, filter.output_image), filter.handed_out,
+                                  filter.output_loan);
         record.outRowBytes = filter.handed_out.row_bytes;
     }
 }

@@ -3,6 +3,7 @@
 #include "filterhost/property_list.h"
 #include "module/guarded.h"
 
+#include <cstdlib>
 #include <new>
 #include <span>
 #include <utility>
@@ -95,6 +96,12 @@ void PSFilter_::consider_property_list(HMODULE handed_over, const char* resource
         reinterpret_cast<ps::EntryPoint>(reinterpret_cast<void*>(GetProcAddress(module.get(), entry_name)));
     if (!entry_point || !has_text(category) || !has_text(name)) return;
     found = GetProcAddress(handed_over, entry_name) != nullptr;
+}
+
+// Ends loans that an early end of the last application left open.
+PSFilter_::~PSFilter_() {
+    if (input_loan.has(record.inData)) std::free(input_loan.start);
+    if (output_loan.has(record.outData)) std::free(output_loan.start);
 }
 
 void* PSFilter_::destroy(unsigned flags) noexcept {

@@ -6,13 +6,21 @@
 #include "filterhost/pixel_exchange.h"
 #include "module/handles.h"
 
-#include <cstdlib>
 #include <memory>
 
-struct FreeMemory {
-    void operator()(std::byte* memory) const noexcept { std::free(memory); }
+// Where a buffer lies that the plug-in got through a pointer in its record. From then on the record owns it:
+// the plug-in may free it or keep it, and leave null or another allocated block there instead.
+struct Loan {
+    std::byte* start = nullptr;
+    std::size_t size = 0;
+
+    // Whether the record still has it; a pointer that was moved along over the samples counts.
+    bool has(const void* in_record) const noexcept {
+        const auto offset =
+            reinterpret_cast<std::uintptr_t>(in_record) - reinterpret_cast<std::uintptr_t>(start);
+        return start && offset <= size;
+    }
 };
-using SampleBuffer = std::unique_ptr<std::byte, FreeMemory>;
 
 // Callers hold it as an opaque pointer, but their compilers may delete it themselves: the table of virtual
 // operations has the form that they agree on, the deleting destructor alone.
@@ -33,7 +41,7 @@ class PSFilter_ final {
     void consider_property_list(HMODULE handed_over, const char* resource_name);
 
   private:
-    ~PSFilter_() = default;
+    ~PSFilter_();
 
   public:
     // Of the application that runs: the caller's pixels, and the copy that receives the result. Null between
@@ -59,8 +67,8 @@ class PSFilter_ final {
 
     std::int32_t width = 0;
     std::int32_t height = 0;
-    SampleBuffer input_buffer;
-    SampleBuffer output_buffer;
+    Loan input_loan;
+    Loan output_loan;
     ps::BufferProcs buffer_procs{};
     ps::HandleProcs handle_procs{};
     std::int16_t result = 0; // where the plug-in leaves the result of each call

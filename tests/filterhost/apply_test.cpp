@@ -1,7 +1,10 @@
 // Applications: the order of calls, the record's bytes, rectangles and pixels, errors, progress and abort.
 #include "tests/filterhost/filter_run.h"
 
+#include <cstdlib>
+#include <malloc.h>
 #include <thread>
+#include <utility>
 
 namespace {
 
@@ -317,21 +320,60 @@ TEST_F(FilterRun, ReportsProgressAndStops) {
     EXPECT_EQ(answers, "ggsgss") << "the next application begins anew";
 }
 
-// What a start call took and never gave back must not reach the next image.
-TEST_F(FilterRun, DropsBuffersAtAnEarlyEnd) {
-    bool cancel = true;
+// What the host takes back is what the record then holds, whatever the plug-in did to its pointers.
+TEST_F(FilterRun, TakesBackWhatTheRecordHolds) {
+    enum Deed { moves_along, frees, keeps, replaces, swaps };
+    const struct {
+        Deed deed;
+        std::uint8_t written; // into every byte; 0: nothing is
+    } cases[] = {{moves_along, 7}, {frees, 0}, {keeps, 0}, {replaces, 9}, {swaps, 8}};
+    constexpr ps::Rect all{0, 0, 2, 2};
+    for (const auto& each : cases) {
+        SCOPED_TRACE(each.deed);
+        void* kept[2] = {};
+        script = [&](std::int16_t selector, ps::FilterRecord& record, std::int32_t&, std::int16_t&) {
+            if (selector == ps::selector_start) want(record, all, all, 0, 3);
+            if (selector != ps::selector_continue) return;
+            std::memset(record.inData, 8, 16);
+            std::memset(record.outData, 7, 16);
+            for (void** data : {&record.inData, &record.outData}) {
+                if (each.deed == moves_along) *data = static_cast<char*>(*data) + 16;
+                if (each.deed == frees || each.deed == replaces) std::free(*data);
+                if (each.deed == keeps) kept[data == &record.outData] = *data;
+                if (each.deed == frees || each.deed == keeps) *data = nullptr;
+                if (each.deed == replaces) *data = std::memset(std::malloc(16), 9, 16);
+            }
+            if (each.deed == swaps) std::swap(record.inData, record.outData);
+            want_nothing(record);
+        };
+        ASSERT_TRUE(apply(2, 2));
+        EXPECT_EQ(output, each.written ? std::vector<std::uint8_t>(16, each.written) : image);
+        for (void* data : kept) { // still the plug-in's
+            EXPECT_TRUE(!data || _msize(data) == 16);
+            std::free(data);
+        }
+    }
+}
+
+// An early end leaves buffers in the record, for the next application or for nobody.
+TEST_F(FilterRun, LeavesBuffersInTheRecordAtAnEarlyEnd) {
+    void* left = nullptr;
     script = [&](std::int16_t selector, ps::FilterRecord& record, std::int32_t&, std::int16_t& result) {
         if (selector != ps::selector_start) return;
-        want(record, {0, 0, 2, 2}, {0, 0, 2, 2});
+        want(record, {0, 0, 2, 2}, {0, 0, 1, 1}, 0, 3);
         record.advanceState();
-        if (cancel) std::memset(record.outData, 1, 12);
-        result = cancel ? 1 : 0;
+        left = std::memset(record.outData, 77, 4);
         want_nothing(record);
+        result = 1;
     };
     EXPECT_TRUE(apply(2, 2));
-    cancel = false;
+    EXPECT_EQ(output, image);
     script = nullptr;
+    void* const expected = left;
     EXPECT_TRUE(apply(2, 2));
+    for (const EntryCall& call : calls)
+        EXPECT_EQ(call.record.outData, expected);
+    std::fill_n(image.begin(), 4, std::uint8_t{77});
     EXPECT_EQ(output, image);
 }
 
