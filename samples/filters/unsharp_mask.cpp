@@ -151,6 +151,8 @@ std::int16_t start(ps::FilterRecord& record) {
     const std::int16_t result = sharpen_all(record, sharpener);
     // Without rectangles the host writes the last tile back and makes no continue call.
     request_nothing(record);
+    // After an error it makes no exchange of its own, and would give the tile to the next image.
+    if (result != ps::result_ok) record.advanceState();
     return result;
 }
 
