@@ -125,6 +125,13 @@ void CBitmapEx::set_format(std::uint16_t bits) noexcept {
     m_file.pixel_offset = headers_size;
 }
 
+CBitmapEx::DrawingHeader CBitmapEx::drawing_header() const noexcept {
+    DrawingHeader header{m_info, m_palette_entries, {}};
+    header.info.header_size = std::min<std::uint32_t>(m_info.header_size, sizeof m_info);
+    std::memcpy(header.palette, m_palette, sizeof m_palette);
+    return header;
+}
+
 void CBitmapEx::save(std::FILE* stream) {
     const auto height = m_pixels ? static_cast<std::size_t>(m_info.height) : 0;
     const auto width = m_pixels ? static_cast<std::size_t>(m_info.width) : 0;

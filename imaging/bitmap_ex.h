@@ -70,12 +70,17 @@ class CBitmapEx {
     const std::uint8_t* pixels() const { return m_pixels.get(); }
     std::uint32_t pixel_data_size() const { return m_data_size; }
 
-    // Whether the platform can be given the info header as it stands: a header of a known size, whose colour
-    // masks then lie within this object, and uncompressed pixels.
-    bool has_plain_header() const { return m_info.header_size <= 124 && is_plain(m_info.compression); }
+    // The info header with what the platform may look for behind it: colour masks and entries. A size beyond
+    // the 40 bytes that are held is given as 40: it changes nothing in what is drawn, but what records a
+    // drawing copies that many.
+    struct DrawingHeader {
+        BmpInfoHeader info;
+        std::uint32_t palette_entries;
+        std::uint8_t palette[256 * 4];
+    };
+    DrawingHeader drawing_header() const noexcept;
 
   private:
-    static bool is_plain(std::uint32_t compression) { return compression == 0 || compression == 3; }
     void release() noexcept;
     void load_palette_and_rows(ByteSource& source, const Layout& layout);
     void read_palette(ByteSource& source);

@@ -18,12 +18,14 @@ int with(CBitmapEx* bitmap, Body&& body) noexcept {
     return 1;
 }
 
-bool can_be_drawn(const CBitmapEx& bitmap) {
-    return bitmap.pixels() && bitmap.has_plain_header();
-}
-
-const BITMAPINFO* platform_info(const CBitmapEx& bitmap) {
-    return reinterpret_cast<const BITMAPINFO*>(&bitmap.info());
+// Calls draw(info) unless there is nothing to draw. Pixels of 32 bits that call themselves compressed are
+// drawn by no device, but recorded in the size that they claim: such a call is not made.
+template <class Draw>
+void draw_pixels(const CBitmapEx& bitmap, Draw&& draw) {
+    const DWORD compression = bitmap.info().compression;
+    if (!bitmap.pixels() || (compression != BI_RGB && compression != BI_BITFIELDS)) return;
+    const CBitmapEx::DrawingHeader header = bitmap.drawing_header();
+    draw(reinterpret_cast<const BITMAPINFO*>(&header));
 }
 
 } // namespace
@@ -73,19 +75,21 @@ extern "C" int BVUTIL_CALL bmpExLoadFromBits3(CBitmapEx* bitmap, const BITMAPFIL
 
 extern "C" int BVUTIL_CALL bmpExDraw(CBitmapEx* bitmap, HDC target) {
     return with(bitmap, [&](const CBitmapEx& held) {
-        if (!can_be_drawn(held)) return;
-        const auto width = static_cast<DWORD>(held.info().width),
-                   height = static_cast<DWORD>(held.info().height);
-        SetDIBitsToDevice(target, 0, 0, width, height, 0, 0, 0, height, held.pixels(), platform_info(held),
-                          DIB_RGB_COLORS);
+        draw_pixels(held, [&](const BITMAPINFO* info) {
+            const auto width = static_cast<DWORD>(held.info().width),
+                       height = static_cast<DWORD>(held.info().height);
+            SetDIBitsToDevice(target, 0, 0, width, height, 0, 0, 0, height, held.pixels(), info,
+                              DIB_RGB_COLORS);
+        });
     });
 }
 
 extern "C" int BVUTIL_CALL bmpExDraw2(CBitmapEx* bitmap, HDC target, int x, int y, int width, int height) {
     return with(bitmap, [&](const CBitmapEx& held) {
-        if (!can_be_drawn(held)) return;
-        StretchDIBits(target, x, y, width, height, 0, 0, held.info().width, held.info().height, held.pixels(),
-                      platform_info(held), DIB_RGB_COLORS, SRCCOPY);
+        draw_pixels(held, [&](const BITMAPINFO* info) {
+            StretchDIBits(target, x, y, width, height, 0, 0, held.info().width, held.info().height,
+                          held.pixels(), info, DIB_RGB_COLORS, SRCCOPY);
+        });
     });
 }
 

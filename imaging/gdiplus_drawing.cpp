@@ -50,10 +50,11 @@ int draw_on_white(BvUtilImage image, HDC target, Draw&& draw) {
 }
 
 // One image pixel is to become one device pixel.
-void take_resolution_of(Gdiplus::GpGraphics* graphics, ImageObject& image) {
+void set_device_units(Gdiplus::GpGraphics* graphics, ImageObject& image) {
     Gdiplus::REAL device_x = 0, device_y = 0, image_x = 0, image_y = 0;
     flat::GdipGetDpiX(graphics, &device_x);
     flat::GdipGetDpiY(graphics, &device_y);
+    flat::GdipSetPageUnit(graphics, Gdiplus::UnitPixel);
     image.keep(flat::GdipGetImageHorizontalResolution(image.native, &image_x));
     image.keep(flat::GdipGetImageVerticalResolution(image.native, &image_y));
     if (image_x != device_x || image_y != device_y)
@@ -126,8 +127,7 @@ extern "C" int BVUTIL_CALL gdiPlusDrawImage(BvUtilImage image, HDC target, float
     if (!image) return 0;
     return draw_on(target, [&](Gdiplus::GpGraphics* graphics) {
         ImageObject& object = *object_of(image);
-        flat::GdipSetPageUnit(graphics, Gdiplus::UnitPixel);
-        take_resolution_of(graphics, object);
+        set_device_units(graphics, object);
         return done(flat::GdipDrawImage(graphics, object.native, x, y));
     });
 }

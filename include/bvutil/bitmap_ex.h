@@ -86,7 +86,7 @@ BVUTIL_API int BVUTIL_CALL bmpExLoadFromBits3(CBitmapEx* bitmap, const BITMAPFIL
                                               const BITMAPINFOHEADER* infoHeader, const BYTE* data);
 
 /** Draws the image at (0, 0) in its own size. Without pixels nothing is drawn, nor with an info header that
- * the platform does not know (longer than 124 bytes, or of compressed pixels).
+ * the platform does not draw by (shorter than 40 bytes, or of compressed pixels).
  *  @return 0 for a null @p bitmap, else 1. */
 BVUTIL_API int BVUTIL_CALL bmpExDraw(CBitmapEx* bitmap, HDC target);
 

@@ -248,6 +248,21 @@ TEST(BitmapEx, DrawsAtItsOwnSizeAndStretched) {
     EXPECT_EQ(target.pixel(4, 4), 0x020202u);
 }
 
+TEST(BitmapEx, DrawsWhateverSizeTheHeaderClaims) {
+    for (const std::uint32_t size : {40u, 124u, 125u, 0x10000u, 0xFFFFFFFFu}) {
+        CBitmapEx* bitmap = make();
+        bmpExLoadFromBits(bitmap, bytes_of(bmp_file({1, 1, 24, 0, 0, size}, "\x01\x02\x03" + pad1)));
+        Canvas target(2, 1);
+        bmpExDraw(bitmap, target.dc());
+        bmpExDraw2(bitmap, target.dc(), 1, 0, 1, 1);
+        EXPECT_EQ(target.pixel(0, 0), 0x030201u) << size;
+        EXPECT_EQ(target.pixel(1, 0), 0x030201u) << size;
+        const HDC recording = CreateEnhMetaFileA(nullptr, nullptr, nullptr, nullptr);
+        bmpExDraw(bitmap, recording);
+        DeleteEnhMetaFile(CloseEnhMetaFile(recording));
+    }
+}
+
 TEST(BitmapEx, SurvivesHostileFiles) {
     TempDir dir;
     Canvas target(8, 8);
