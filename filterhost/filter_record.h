@@ -159,7 +159,8 @@ struct FilterRecord {
     Rect outRect;
     std::int16_t outLoPlane;
     std::int16_t outHiPlane;
-    // What the host handed out: planes next to each other in each pixel.
+    // What the host handed out: planes next to each other in each pixel. This host takes back, and frees,
+    // what the data pointers hold at the next exchange.
     void* inData;
     std::int32_t inRowBytes;
     void* outData;

@@ -40,7 +40,8 @@ typedef struct PSFilter_ PSFilter_;
  *
  *  @param fraction  The last fraction that the filter reported, 0 at first; usually from 0 to 1.
  *  @param context   The context given to AVApplyPSFilter().
- *  @return 0 to stop, anything else to go on. It is for the filter to heed this.
+ *  @return 0 to stop, anything else to go on. It is for the filter to heed this. A 0 that answers a progress
+ *          report holds for the rest of the application: the filter is told to stop without another call.
  */
 typedef BvUtilBool(BVUTIL_STDCALL* AVPSFilterProgress)(float fraction, void* context);
 
