@@ -102,8 +102,8 @@ BVUTIL_API BvUtilBool BVUTIL_CALL AVFreeGotPSFilter(PSFilter_** filter);
  *  @note One application at a time in a process. An error while the filter works on its rectangles is not
  *        reported; the filter is told to finish, and called again for as long as it asks for rectangles. The
  *        memory that a plug-in's request takes can fail: then the plug-in receives a null buffer. Buffers
- * that a filter still holds when its start call ends with a code other than 0 stay in its record: the next
- *        exchange takes them back, and writes their output into the image of that application.
+ *        that a filter still holds when its start call ends with a code other than 0 stay in its record: the
+ *        next exchange takes them back, and writes their output into the image of that application.
  */
 BVUTIL_API BvUtilBool BVUTIL_CALL AVApplyPSFilter(PSFilter_* filter, BvUtilBool repeatLast,
                                                   AVPSFilterProgress progress, void* context,
