@@ -37,7 +37,7 @@ bool append(EnvHandle dst, const Leaf& leaf) {
     std::string path(leaf.path);
     path.resize(delimiter().find_last_joint(path));
     const long count = count_path({dst, leaf.section, path.c_str()}, true);
-    if (count < 0) return false;
+    if (count < 0) return !leaf.text; // an external needs no place
     path.append(delimiter().joint()).append(NumberText(count + 1).view());
     return copy(dst, leaf, path.c_str());
 }

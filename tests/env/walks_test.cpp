@@ -281,6 +281,18 @@ TEST(Sink, FailsForABadModeAndWithNothingToWalk) {
     EXPECT_EQ(written(dst), "");
 }
 
+TEST(Sink, PassesOverExternalsThatHaveNoPlaceInTheDestination) {
+    const Env dst, src;
+    env_put_external(src, "S", "x", 1);
+    const Env sub(src, "S"); // its leaves come without a section
+    for (const int mode : {0, 1, 2, 3})
+        EXPECT_EQ(env_sink(dst, sub, mode), ENV_OK) << mode;
+    env_put(src, "S", "a", "1");
+    for (const int mode : {0, 1, 2})
+        EXPECT_EQ(env_sink(dst, sub, mode), ENV_INVALID) << mode;
+    EXPECT_EQ(written(dst), "");
+}
+
 TEST(Sink, CopiesTextsOf254BytesAndStopsAtLongerOnes) {
     const Env dst, src;
     const std::string longest(254, 't');
