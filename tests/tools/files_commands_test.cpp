@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+
 namespace {
 
 constexpr char profile[] = "[A]\r\nx=1,5\r\nempty=\r\nword=abc\r\n[B]\r\ny=2.50\r\n";
@@ -40,6 +42,7 @@ TEST(FilesCommands, PrintAndChangeWhatIsThere) {
         {{"material", "show", "m.mat"},
          0,
          "...\nshading constants   -0.125 7.11111 8\nbits                6\n"},
+        {{"material", "show", "m.mat", "--preview", "sphere.png"}, 2, ""},
         {{"material", "show", "no.mat"}, 2, ""},
         {{"material", "show", "none.mat"}, 3, ""},
         {{"fio", "info", "d.dat"},
@@ -61,6 +64,29 @@ TEST(FilesCommands, PrintAndChangeWhatIsThere) {
             EXPECT_EQ(run.out, out);
     }
     EXPECT_EQ(read_file(dir.file("p.ini")), "[A]\r\nx=1,5\r\nempty=\r\nword=abc\r\n[B]\r\ny=/3 4\r\n");
+}
+
+TEST(FilesCommands, DrawALitSphereOfAMaterial) {
+    const TempDir dir;
+    write_file(dir.file("m.mat"), "[Material]\r\nName=Rot\r\n[Rot]\r\nalpha=1\r\nRGBDiffus=1,0,0\r\n"
+                                  "kspiegel=1e38\r\nRGBSpiegel=nan,0,0\r\n");
+    ASSERT_EQ(run_program("bvutil.exe", {"material", "show", "m.mat", "--preview", "m.bmp"}, dir.path()).code,
+              0);
+    const std::string bmp = read_file(dir.file("m.bmp"));
+    ASSERT_EQ(bmp.substr(18, 8), std::string("\xA0\0\0\0\xA0\0\0\0", 8));
+    const auto pixel = [&](std::size_t x, std::size_t y) {
+        const std::size_t step = static_cast<std::size_t>(bmp[28]) / 8,
+                          at = 54 + ((159 - y) * 160 + x) * step;
+        return std::array{static_cast<BYTE>(bmp.at(at)), static_cast<BYTE>(bmp.at(at + 1)),
+                          static_cast<BYTE>(bmp.at(at + 2))};
+    };
+    const std::array<BYTE, 3> light_square{235, 235, 235}, dark_square{199, 199, 199};
+    EXPECT_EQ(pixel(0, 0), light_square);
+    EXPECT_EQ(pixel(0, 159), dark_square);
+    const auto shaded = pixel(120, 130);
+    EXPECT_EQ(shaded[0], 0);
+    EXPECT_EQ(shaded[2], 102) << "ambient light alone";
+    EXPECT_GT(pixel(60, 60)[2], pixel(100, 100)[2]);
 }
 
 } // namespace

@@ -22,6 +22,14 @@ BvUtilImage handle_of(void* image) {
 
 } // namespace
 
+GdiPlusSession::GdiPlusSession() {
+    gdiPlusInit();
+}
+
+GdiPlusSession::~GdiPlusSession() {
+    gdiPlusExit();
+}
+
 DrawingSurface::DrawingSurface(int width, int height) : m_width(width), m_height(height) {
     BITMAPINFO info{};
     info.bmiHeader = {sizeof info.bmiHeader, width, -height, 1, 24, BI_RGB, 0, 0, 0, 0, 0};

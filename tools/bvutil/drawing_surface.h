@@ -4,6 +4,14 @@
 #include <string>
 #include <windows.h>
 
+// GDI+ from its start to its end. All that uses it, surfaces too, ends first.
+struct GdiPlusSession {
+    GdiPlusSession();
+    ~GdiPlusSession();
+    GdiPlusSession(const GdiPlusSession&) = delete;
+    GdiPlusSession& operator=(const GdiPlusSession&) = delete;
+};
+
 // A white picture selected into a device context of its own. Its 24 bits have no room for an alpha value,
 // which would keep colours from comparing equal.
 class DrawingSurface {

@@ -1,6 +1,7 @@
 // bvutil ini, material and fio: profile files, material files and byte-order data files.
 #include "tools/bvutil/commands.h"
 #include "tools/bvutil/console.h"
+#include "tools/bvutil/material_preview.h"
 
 #include "bvutil/fio.h"
 #include "bvutil/ini_file.h"
@@ -22,7 +23,7 @@ namespace {
 constexpr int longest_value = 1023;
 
 struct Arguments {
-    std::string file, section, key, value, kind = "text";
+    std::string file, section, key, value, preview, kind = "text";
     std::string place() const { return "[" + section + "] " + key; }
 };
 
@@ -157,6 +158,7 @@ void show_material(const Arguments& arguments) {
     file.GetLogName(name);
     file.GetTestTexturePath(texture);
     const matTyp& material = *file.GetMaterialPtr();
+    if (!arguments.preview.empty()) save_material_preview(material, arguments.preview);
     print_row("name", name);
     print_row("diffuse", number_text(material.diffuse));
     print_row("ambient", number_text(material.ambient));
@@ -229,7 +231,9 @@ void add_files_commands(CLI::App& app) {
     CLI::App* const material = app.add_subcommand("material", "Material files");
     material->require_subcommand(1);
     add_command(*material, "show", "Print a material's values and its derived shading constants", arguments,
-                show_material);
+                show_material)
+        ->add_option("--preview", arguments->preview,
+                     "Picture to write, of a lit sphere: bmp, jpeg, gif or tiff");
 
     CLI::App* const fio = app.add_subcommand("fio", "Data files with a byte-order header");
     fio->require_subcommand(1);

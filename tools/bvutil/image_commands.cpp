@@ -148,10 +148,7 @@ void outline(const Arguments& arguments) {
 template <class Command>
 auto with_gdiplus(Command command, std::shared_ptr<const Arguments> arguments) {
     return [=] {
-        struct Session {
-            Session() { gdiPlusInit(); }
-            ~Session() { gdiPlusExit(); }
-        } session;
+        const GdiPlusSession session;
         command(*arguments);
     };
 }
