@@ -79,6 +79,8 @@ TEST_F(ImageCommands, SayWhatIsWrong) {
                  {{"convert", "in.bmp", "no\\such\\out.bmp"}, 3},
                  {{"resize", "in.bmp", "out.bmp", "0", "5"}, 64},
                  {{"region", "in.bmp", "--key", "12345"}, 2},
+                 {{"region", "in.bmp", "--key", "0x1234"}, 2},
+                 {{"transparent", "in.bmp", "in.bmp", "out.bmp", "--at", "65536", "0"}, 64},
                  {{"base64", "none"}, 3}};
     for (const auto& c : cases) {
         const ProgramRun run = image(c.arguments);

@@ -31,11 +31,9 @@ std::unique_ptr<DrawingSurface> load(const std::string& path) {
 
 // RRGGBB as a number of that order.
 DWORD colour_of(const std::string& text) {
-    char* end = nullptr;
-    const unsigned long colour = std::strtoul(text.c_str(), &end, 16);
-    if (text.size() != 6 || *end || !std::isxdigit(static_cast<unsigned char>(text[0])))
+    if (text.size() != 6 || text.find_first_not_of("0123456789abcdefABCDEF") != std::string::npos)
         throw CommandFailed(exit_bad_input, "'" + text + "' is no colour: six digits, RRGGBB");
-    return colour;
+    return std::strtoul(text.c_str(), nullptr, 16);
 }
 
 COLORREF colorref_of(DWORD colour) {
@@ -188,7 +186,10 @@ void add_image_commands(CLI::App& app) {
     over->add_option("ground", arguments->ground, "Picture to draw on")->required();
     add_output(over, true);
     add_key(over);
-    over->add_option("--at", arguments->at, "Upper left corner on the ground")->expected(2)->type_name("X Y");
+    over->add_option("--at", arguments->at, "Upper left corner on the ground")
+        ->expected(2)
+        ->check(CLI::Range(-32768, 32767))
+        ->type_name("X Y");
     auto* region =
         add("region", "Tell which rectangles hold what has not one colour, and draw them", outline);
     add_output(region, false);
