@@ -1,6 +1,6 @@
 #include "env/value_scanner.h"
 
-#include "runtime/text_to_double.h"
+#include "module/text_to_double.h"
 
 #include <charconv>
 #include <cstring>

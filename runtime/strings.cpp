@@ -4,7 +4,7 @@
 #include "runtime/path_parts.h"
 #include "runtime/text_lines.h"
 #include "runtime/text_search.h"
-#include "runtime/text_to_double.h"
+#include "module/text_to_double.h"
 
 #include <cstring>
 #include <limits>

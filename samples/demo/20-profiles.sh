@@ -7,5 +7,5 @@ bvutil ini get zeichnung.ini Stifte fenster --as doubles
 bvutil ini set zeichnung.ini Blatt name Obergeschoss
 bvutil ini set zeichnung.ini Druck papier A1
 bvutil ini list zeichnung.ini
-bvutil material show eiche.mat --preview eiche.bmp
+bvutil material show eiche.mat --preview eiche.png
 bvutil fio info punkte.dat

@@ -42,7 +42,7 @@ TEST(FilesCommands, PrintAndChangeWhatIsThere) {
         {{"material", "show", "m.mat"},
          0,
          "...\nshading constants   -0.125 7.11111 8\nbits                6\n"},
-        {{"material", "show", "m.mat", "--preview", "sphere.png"}, 2, ""},
+        {{"material", "show", "m.mat", "--preview", "sphere.xyz"}, 2, ""},
         {{"material", "show", "no.mat"}, 2, ""},
         {{"material", "show", "none.mat"}, 3, ""},
         {{"fio", "info", "d.dat"},

@@ -42,6 +42,10 @@ TEST_F(ImageCommands, TellConvertAndResize) {
     EXPECT_EQ(row_of("out.bmp"), row_of("in.bmp"));
     ASSERT_EQ(image({"convert", "in.bmp", "out", "--format", "tiff"}).code, 0);
     EXPECT_EQ(read_file(dir.file("out")).substr(0, 3), "II*");
+    ASSERT_EQ(image({"convert", "in.bmp", "out.png"}).code, 0);
+    EXPECT_EQ(read_file(dir.file("out.png")).substr(1, 3), "PNG");
+    ASSERT_EQ(image({"convert", "out.png", "back.bmp"}).code, 0);
+    EXPECT_EQ(row_of("back.bmp"), row_of("in.bmp"));
     ASSERT_EQ(image({"resize", "in.bmp", "in.bmp", "8", "3"}).code, 0) << "in place";
     EXPECT_EQ(image({"info", "in.bmp"}).out.substr(0, 17), "size:       8 x 3");
 }
@@ -75,7 +79,7 @@ TEST_F(ImageCommands, SayWhatIsWrong) {
         int code;
     } cases[] = {{{"info", "none.bmp"}, 3},
                  {{"info", "text.txt"}, 2},
-                 {{"convert", "in.bmp", "out.png"}, 2},
+                 {{"convert", "in.bmp", "out.xyz"}, 2},
                  {{"convert", "in.bmp", "no\\such\\out.bmp"}, 3},
                  {{"resize", "in.bmp", "out.bmp", "0", "5"}, 64},
                  {{"region", "in.bmp", "--key", "12345"}, 2},

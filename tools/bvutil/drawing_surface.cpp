@@ -16,6 +16,19 @@ struct ImageOwner {
     ~ImageOwner() { gdiPlusFreeImage(image); }
 };
 
+// The tool's own code for PNG: the saving service has none.
+constexpr int format_png = -1;
+
+// Saves through GDI+ itself, which a handle allows.
+void save_png(BvUtilImage image, const std::string& path) {
+    CLSID encoder;
+    std::wstring wide(path.size() + 1, L'\0');
+    MultiByteToWideChar(CP_ACP, 0, path.c_str(), -1, wide.data(), static_cast<int>(wide.size()));
+    if (!gdiPlusGetEncoderClsid("image/png", &encoder))
+        throw CommandFailed(exit_failed, "this system cannot write that format");
+    image->Save(wide.c_str(), &encoder, nullptr); // the handle keeps the status
+}
+
 BvUtilImage handle_of(void* image) {
     return static_cast<BvUtilImage>(image);
 }
@@ -85,11 +98,16 @@ int format_code(const std::string& name, const std::string& path) {
     const auto dot = path.find_last_of("./\\");
     std::string wanted = name;
     if (wanted.empty() && dot != std::string::npos && path[dot] == '.') wanted = path.substr(dot + 1);
-    for (const auto& [known, code] :
-         {std::pair{"bmp", 0}, {"jpg", 1}, {"jpeg", 1}, {"gif", 2}, {"tif", 3}, {"tiff", 3}})
+    for (const auto& [known, code] : {std::pair{"bmp", 0},
+                                      {"jpg", 1},
+                                      {"jpeg", 1},
+                                      {"gif", 2},
+                                      {"tif", 3},
+                                      {"tiff", 3},
+                                      {"png", format_png}})
         if (_stricmp(wanted.c_str(), known) == 0) return code;
     throw CommandFailed(exit_bad_input,
-                        "pictures are saved as bmp, jpeg, gif or tiff, not as '" + wanted + "'");
+                        "pictures are saved as bmp, jpeg, gif, tiff or png, not as '" + wanted + "'");
 }
 
 void save_bitmap(HBITMAP bitmap, const std::string& path, int format, SIZE new_size) {
@@ -100,7 +118,10 @@ void save_bitmap(HBITMAP bitmap, const std::string& path, int format, SIZE new_s
         const int made = new_size.cx > 0 ? gdiPlusResizeBitmap(bitmap, new_size.cx, new_size.cy, &owner.image)
                                          : gdiPlusGetBitmapFromHBitmap(bitmap, &owner.image);
         if (!made) throw CommandFailed(exit_failed, "there is not enough memory for the picture");
-        gdiPlusSaveImage(owner.image, file.path().c_str(), format);
+        if (format == format_png)
+            save_png(owner.image, file.path());
+        else
+            gdiPlusSaveImage(owner.image, file.path().c_str(), format);
         if (owner.image->GetLastStatus() != Gdiplus::Ok)
             throw CommandFailed(exit_io_error, path + " cannot be written");
         // An encoder can fail and not say so.

@@ -57,8 +57,8 @@ class PictureFile {
     void* m_image = nullptr;
 };
 
-// Codes of the formats that pictures are saved in, by name ("bmp", "jpeg", "gif", "tiff") or, when that is
-// empty, by the extension of the path. Throws CommandFailed (exit_bad_input) for any other.
+// Codes of the formats that pictures are saved in, by name ("bmp", "jpeg", "gif", "tiff", "png") or, when
+// that is empty, by the extension of the path. Throws CommandFailed (exit_bad_input) for any other.
 int format_code(const std::string& name, const std::string& path);
 
 // Saves a bitmap, in another size when one is given. A former file is replaced only when all is written.

@@ -233,7 +233,7 @@ void add_files_commands(CLI::App& app) {
     add_command(*material, "show", "Print a material's values and its derived shading constants", arguments,
                 show_material)
         ->add_option("--preview", arguments->preview,
-                     "Picture to write, of a lit sphere: bmp, jpeg, gif or tiff");
+                     "Picture to write, of a lit sphere: bmp, jpeg, gif, tiff or png");
 
     CLI::App* const fio = app.add_subcommand("fio", "Data files with a byte-order header");
     fio->require_subcommand(1);

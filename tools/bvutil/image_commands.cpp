@@ -166,7 +166,8 @@ void add_image_commands(CLI::App& app) {
     };
     const auto add_output = [&](CLI::App* sub, bool required) {
         sub->add_option("output", arguments->output, "Picture to write")->required(required);
-        sub->add_option("--format", arguments->format, "bmp, jpeg, gif or tiff; else the extension says it");
+        sub->add_option("--format", arguments->format,
+                        "bmp, jpeg, gif, tiff or png; else the extension says it");
     };
     const auto add_key = [&](CLI::App* sub) {
         sub->add_option("--key", arguments->key, "The transparent colour, FF00FF unless given")

@@ -1,4 +1,4 @@
-#include "runtime/text_to_double.h"
+#include "module/text_to_double.h"
 
 #include <algorithm>
 #include <charconv>
