@@ -20,6 +20,7 @@ dll: setup build/dll/build.ninja
 	@cmake --build --preset dll -j $(JOBS)
 
 demo: dll
+	@cmake/setup.sh demo
 	@samples/demo.sh
 
 # One closing line for both halves: ctest runs the two build trees as one.

@@ -1,10 +1,11 @@
 #!/usr/bin/env bash
 # Installs what a Debian 12 machine lacks to build and test BvUtil; does nothing when all is there.
-# Usage: cmake/setup.sh [build|test|fuzz]...   (default: build test)
+# Usage: cmake/setup.sh [build|test|demo|fuzz]...   (default: build test)
 set -euo pipefail
 
 wanted_build=(cmake ninja-build g++-mingw-w64-i686-posix libcli11-dev llvm-14)
 wanted_test=(wine wine32:i386 googletest g++ g++-multilib clang-format)
+wanted_demo=(wine wine32:i386 librsvg2-bin)
 wanted_fuzz=(clang-14 libclang-rt-14-dev lld-14 llvm-14 g++-multilib)
 
 [ $# -gt 0 ] || set -- build test
@@ -13,8 +14,9 @@ for group in "$@"; do
     case "$group" in
     build) wanted+=("${wanted_build[@]}") ;;
     test) wanted+=("${wanted_test[@]}") ;;
+    demo) wanted+=("${wanted_demo[@]}") ;;
     fuzz) wanted+=("${wanted_fuzz[@]}") ;;
-    *) echo "setup: no group '$group' (build, test, fuzz)" >&2; exit 2 ;;
+    *) echo "setup: no group '$group' (build, test, demo, fuzz)" >&2; exit 2 ;;
     esac
 done
 

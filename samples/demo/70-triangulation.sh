@@ -3,9 +3,5 @@ echo
 echo "== A terrain survey, triangulated"
 cp "$root/samples/terrain/survey.csv" "$out"
 bvutil triangulate survey.csv --svg survey.svg --csv survey.triangles.csv
-if command -v rsvg-convert >/dev/null; then
-    rsvg-convert -o "$out/survey.png" "$out/survey.svg"
-    echo "The picture is build/demo/survey.svg (and survey.png)"
-else
-    echo "The picture is build/demo/survey.svg"
-fi
+rsvg-convert -o "$out/survey.png" "$out/survey.svg"
+echo "The picture is build/demo/survey.svg and survey.png"
