@@ -1,14 +1,17 @@
 #include "calcgeom/cavity.h"
 
 #include <algorithm>
+#include <bit>
 #include <set>
 #include <tuple>
 #include <utility>
 
 namespace {
 
-Edge ordered(Place p, Place q) {
-    return {std::min(p, q), std::max(p, q)};
+// The smaller first. Arithmetic, as compilers make a branch of a comparison, and nobody can guess it.
+Edge ordered(std::uint32_t p, std::uint32_t q) {
+    const std::uint32_t change = (p ^ q) & (0u - static_cast<std::uint32_t>(q < p));
+    return {p ^ change, q ^ change};
 }
 
 } // namespace
@@ -18,79 +21,60 @@ std::span<const Edge> Cavity::boundary() {
     const std::size_t most = 3 * m_count;
     if (m_boundary.size() < most + readable_behind) m_boundary.resize(2 * most);
     const std::size_t count = m_sweep.corners_coincide ? find_boundary_by_coordinates()
-                              : most <= 36             ? find_small_boundary()
-                              : most > most_edges      ? find_large_boundary()
-                                                       : find_boundary();
+                              : m_count <= most_for(1) ? find_boundary_in_rows<1>()
+                              : m_count <= most_for(2) ? find_boundary_in_rows<2>()
+                              : m_count <= most_for(8) ? find_boundary_in_rows<8>()
+                                                       : find_large_boundary();
     return {m_boundary.data(), count};
 }
 
-// Gives the number of different edges seen now.
-inline std::size_t Cavity::toggle(Place p, Place q, std::size_t seen) {
-    const Edge edge = ordered(p, q);
-    std::uint16_t& slot = m_slots[((edge.first << 7) + edge.second) * 0x9E3779B1u >> (32 - hash_bits)];
-    if (slot < seen) {
-        std::size_t i = slot;
-        if (!(m_edges[i] == edge)) // another edge of the same hash: this one may be anywhere
-            i = static_cast<std::size_t>(std::find(&m_edges[0], &m_edges[seen], edge) - &m_edges[0]);
-        if (i < seen) {
-            m_odd[i] ^= 1;
-            return seen;
-        }
-    }
-    slot = static_cast<std::uint16_t>(seen);
-    m_edges[seen] = edge;
-    m_odd[seen] = 1;
-    return seen + 1;
-}
-
-// A dozen triangles at most: every edge against every other, four at a time and without a branch.
-std::size_t Cavity::find_small_boundary() {
-    alignas(16) Place first[36], second[36];
-    std::size_t edges = 0;
+// With edges as the bits of a triangular matrix over the cavity's vertices, in rows of so many words.
+template <unsigned words>
+std::size_t Cavity::find_boundary_in_rows() {
+    std::uint8_t* const numbers = m_numbers.data();
+    Place* const vertices = m_vertices.data();
+    std::uint32_t* const rows = m_rows.data();
+    unsigned numbered = 0;
+    const auto number_of = [&](Place vertex) {
+        // Without a branch: whether a vertex is new cannot be guessed either.
+        const unsigned noted = numbers[vertex];
+        const bool is_new = (noted >= numbered) | (vertices[noted] != vertex);
+        const unsigned number = is_new ? numbered : noted;
+        numbers[vertex] = static_cast<std::uint8_t>(number);
+        vertices[numbered] = vertex;
+        for (unsigned w = 0; w < words; ++w)
+            rows[numbered * words + w] = 0;
+        numbered += is_new;
+        return number;
+    };
+    const auto toggle = [&](unsigned p, unsigned q) {
+        const auto [low, high] = ordered(p, q);
+        rows[high * words + low / word_bits] ^= 1u << low % word_bits;
+    };
     for (std::size_t i = 0; i < m_count; ++i) {
+        if (numbered + 3 > words * word_bits) return find_large_boundary();
         const auto [v1, v2, v3, unused] = m_triangles[i];
-        for (const Edge& edge : {ordered(v1, v2), ordered(v2, v3), ordered(v3, v1)}) {
-            first[edges] = edge.first;
-            second[edges++] = edge.second;
-        }
+        const unsigned n1 = number_of(v1), n2 = number_of(v2), n3 = number_of(v3);
+        toggle(n1, n2);
+        toggle(n2, n3);
+        toggle(n3, n1);
     }
-    const std::size_t groups = (edges + 3) / 4;
-    for (std::size_t i = edges; i < 4 * groups; ++i)
-        first[i] = second[i] = ~Place{0};
     std::size_t kept = 0;
     Edge* const boundary = m_boundary.data();
-    for (std::size_t i = 0; i < edges; ++i) {
-        const __m128i f = _mm_set1_epi32(static_cast<int>(first[i])),
-                      s = _mm_set1_epi32(static_cast<int>(second[i]));
-        __m128i count = _mm_setzero_si128();
-        for (std::size_t g = 0; g < groups; ++g) {
-            const __m128i fs = _mm_load_si128(reinterpret_cast<const __m128i*>(first) + g);
-            const __m128i ss = _mm_load_si128(reinterpret_cast<const __m128i*>(second) + g);
-            count = _mm_sub_epi32(count, _mm_and_si128(_mm_cmpeq_epi32(f, fs), _mm_cmpeq_epi32(s, ss)));
+    for (unsigned i = 0; i < numbered; ++i)
+        for (unsigned w = 0; w < words; ++w) {
+            // Hardly ever more than two bits: two are written, whether set or not, as the next edge
+            // overwrites.
+            std::uint32_t word = rows[i * words + w];
+            do {
+                for (int n = 0; n < 2; ++n) {
+                    const auto bit = static_cast<unsigned>(std::countr_zero(word | 1u << (word_bits - 1)));
+                    boundary[kept] = ordered(vertices[i], vertices[w * word_bits + bit]);
+                    kept += word != 0;
+                    word &= word - 1;
+                }
+            } while (word);
         }
-        count = _mm_add_epi32(count, _mm_shuffle_epi32(count, 0x4E));
-        count = _mm_add_epi32(count, _mm_shuffle_epi32(count, 0xB1));
-        const auto equal = static_cast<unsigned>(_mm_cvtsi128_si32(count));
-        boundary[kept] = {first[i], second[i]};
-        kept += equal & 1;
-        if (equal > 2) return find_boundary(); // an edge of three triangles and more: once is enough
-    }
-    return kept;
-}
-
-std::size_t Cavity::find_boundary() {
-    std::size_t seen = 0, kept = 0;
-    for (std::size_t i = 0; i < m_count; ++i) {
-        const auto [v1, v2, v3, unused] = m_triangles[i];
-        seen = toggle(v1, v2, seen);
-        seen = toggle(v2, v3, seen);
-        seen = toggle(v3, v1, seen);
-    }
-    Edge* const boundary = m_boundary.data();
-    for (std::size_t i = 0; i < seen; ++i) {
-        boundary[kept] = m_edges[i];
-        kept += m_odd[i];
-    }
     return kept;
 }
 

@@ -21,7 +21,8 @@ struct Edge {
 
 class Cavity {
   public:
-    explicit Cavity(const SweepVertices& sweep) : m_sweep(sweep), m_triangles(64), m_boundary(256) {}
+    explicit Cavity(const SweepVertices& sweep)
+        : m_sweep(sweep), m_triangles(64), m_boundary(256), m_numbers(sweep.vertices.size()) {}
 
     void clear() { m_count = 0; }
     void add(const Corners& corners) {
@@ -34,9 +35,8 @@ class Cavity {
     std::span<const Edge> boundary();
 
   private:
-    std::size_t toggle(Place p, Place q, std::size_t seen);
-    std::size_t find_small_boundary();
-    std::size_t find_boundary();
+    template <unsigned words>
+    std::size_t find_boundary_in_rows();
     std::size_t find_large_boundary();
     std::size_t find_boundary_by_coordinates();
 
@@ -45,11 +45,13 @@ class Cavity {
     std::size_t m_count = 0;
     std::vector<Edge> m_boundary;
 
-    // Edges seen so far, and where an edge of a given hash was put last. A slot counts only while it is less
-    // than the number of edges and the edge there is the one sought, hence it never needs clearing.
-    static constexpr std::size_t most_edges = 1024;
-    static constexpr unsigned hash_bits = 12;
-    std::array<std::uint16_t, 1u << hash_bits> m_slots{};
-    std::array<Edge, most_edges + 1> m_edges{};
-    std::array<std::uint8_t, most_edges + 1> m_odd{};
+    static constexpr unsigned most_vertices = 256, word_bits = 32;
+    // A cavity without holes has two vertices more than triangles.
+    static constexpr std::size_t most_for(unsigned words) { return words * word_bits - 4; }
+    // The cavity's vertices, numbered as they are met. A vertex has the number noted for it only if it is
+    // listed there, among those of this cavity: neither list nor notes ever need clearing.
+    std::array<Place, most_vertices> m_vertices{};
+    std::vector<std::uint8_t> m_numbers; // of every vertex of the sweep
+    // A bit for each pair of numbers, in the row of the larger: set while the edge is in.
+    std::array<std::uint32_t, most_vertices * most_vertices / word_bits> m_rows{};
 };

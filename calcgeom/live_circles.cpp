@@ -1,6 +1,7 @@
 #include "calcgeom/live_circles.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <limits>
 #include <span>
@@ -10,6 +11,19 @@ namespace {
 
 constexpr unsigned all_lanes = 15;
 constexpr std::size_t shortest_slab = 32, points_per_leaf = 16;
+
+// The lanes set in a mask, the highest first.
+struct LanesOfMask {
+    alignas(16) std::uint32_t lanes[4];
+    std::uint32_t count;
+};
+constexpr std::array<LanesOfMask, all_lanes + 1> lanes_of = [] {
+    std::array<LanesOfMask, all_lanes + 1> table{};
+    for (unsigned mask = 0; mask <= all_lanes; ++mask)
+        for (unsigned lane = 4; lane-- > 0;)
+            if (mask >> lane & 1) table[mask].lanes[table[mask].count++] = lane;
+    return table;
+}();
 
 // What is filed in a lane that holds no circle.
 constexpr float nobody = -1.0f;
@@ -25,7 +39,9 @@ unsigned highest_lane(unsigned lanes) {
 } // namespace
 
 LiveCircles::LiveCircles(const SweepVertices& sweep)
-    : m_sweep(sweep), m_blocks(64), m_old_blocks(1), m_next(64), m_nodes(2) {}
+    : m_sweep(sweep), m_blocks(64), m_old_blocks(1), m_next(64), m_nodes(2) {
+    m_finished.reserve(2 * sweep.vertices.size()); // no triangulation in the plane has more
+}
 
 // A point y of the slab is inside only if (x - cx)² + (y - cy)² as calculated is at most E, the enlarged
 // squared radius. Each calculated operation errs by at most u = 2^-24 of its result (a square below the
@@ -146,22 +162,25 @@ void LiveCircles::file(const Circles& circles, const Edge* edges, Place third, s
 // be noticed at once, but the enlarged circle may still have a later point inside: such a one must not be
 // taken, hence the second comparison.
 inline void LiveCircles::take_from(Node& node, __m128 x, __m128 y, Cavity& cavity) {
-    for (std::uint32_t block = node.first_block; block != 0;) {
+    if (m_hits.size() < node.circles + 4) m_hits.resize(2 * node.circles + 4);
+    std::uint32_t* hit = m_hits.data();
+    for (std::uint32_t block = node.first_block; block != 0; block = m_next[block]) {
         const Block& four = m_blocks[block];
-        const std::uint32_t next = m_next[block];
         const __m128 dx = _mm_sub_ps(x, _mm_load_ps(four.cx)), dy = _mm_sub_ps(y, _mm_load_ps(four.cy));
         const __m128 squared = _mm_add_ps(_mm_mul_ps(dx, dx), _mm_mul_ps(dy, dy));
-        unsigned inside = mask_of(_mm_cmpge_ps(_mm_load_ps(four.enlarged), squared));
-        if (inside) inside &= mask_of(_mm_cmpngt_ps(x, _mm_load_ps(four.right)));
-        // From the high lanes down, and from the first block on: what takes a removed circle's place has
-        // been looked at.
-        while (inside) {
-            const unsigned lane = highest_lane(inside);
-            inside ^= 1u << lane;
-            cavity.add(four.corners[lane]);
-            remove(node, block, lane);
-        }
-        block = next;
+        const unsigned inside = mask_of(_mm_and_ps(_mm_cmpge_ps(_mm_load_ps(four.enlarged), squared),
+                                                   _mm_cmpngt_ps(x, _mm_load_ps(four.right))));
+        const LanesOfMask& lanes = lanes_of[inside];
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(hit),
+                         _mm_add_epi32(_mm_set1_epi32(static_cast<int>(4 * block)),
+                                       _mm_load_si128(reinterpret_cast<const __m128i*>(lanes.lanes))));
+        hit += lanes.count;
+    }
+    // From the first block on, and in each from the high lanes down: what takes a removed circle's place is
+    // not itself inside.
+    for (const std::uint32_t* h = m_hits.data(); h != hit; ++h) {
+        cavity.add(m_blocks[*h / 4].corners[*h % 4]);
+        remove(node, *h / 4, *h % 4);
     }
 }
 

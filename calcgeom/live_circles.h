@@ -63,7 +63,8 @@ class LiveCircles {
     std::vector<Block> m_blocks, m_old_blocks; // the first is not used
     std::vector<std::uint32_t> m_next; // of a block: the next in its node, or of the free blocks; 0 is none
     std::uint32_t m_used_blocks = 1, m_free_block = 0;
-    std::vector<Node> m_nodes; // 1 is the root, the children of i are 2 i and 2 i + 1
+    std::vector<std::uint32_t> m_hits; // circles found in a node: 4 times the block plus the lane
+    std::vector<Node> m_nodes;         // 1 is the root, the children of i are 2 i and 2 i + 1
     std::uint32_t m_leaves = 1;
     std::size_t m_size = 0, m_most_circles = 0;
     Place m_slab_end = 0;
