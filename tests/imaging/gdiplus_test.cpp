@@ -373,38 +373,42 @@ TEST_F(GdiPlus, KeepsNothing) {
     const std::vector<BYTE> bits(64, 255);
     Canvas source(4, 4), canvas(8, 8);
     const POINT corners[] = {{0, 0}, {4, 0}, {0, 4}};
+    const RamStruct record{bits.data(), 0, 4, 4, 4};
+    BITMAPINFO info{};
+    info.bmiHeader = {sizeof info.bmiHeader, 4, 4, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
     int round = 0;
-    expect_nothing_kept(
-        [&, bitmap = source.bitmap()](int times) {
-            for (int i = 0; i < times; ++i) {
-                unique_image made;
-                gdiPlusBitmapFromBits(bits.data(), 4, 4, 4, 4, 9, 1, made.put());
-                gdiPlusBitmapFromBits(bits.data(), 3, 1, 3, 3, 9, 0, made.put());
-                gdiPlusGetBitmap(4, 4, 16, 1, bits.data(), made.put());
-                gdiPlusGetBitmapEx(4, 4, 12, 16, 1, 9, bits.data(), made.put());
-                gdiPlusGetBitmapFromHBitmap(bitmap, made.put());
-                gdiPlusResizeBitmap(bitmap, 5, 5, made.put());
-                if (++round % 20 == 0) {
-                    gdiPlusGetBitmapFromFile(path.c_str(), made.put());
-                    gdiPlusSaveImage(image.get(), path.c_str(), round % 40 ? 1 : 0);
-                }
-                gdiPlusClearGraphics(canvas.dc(), 1, 2, 3);
-                gdiPlusFillRect(canvas.dc(), 255, 1, 2, 3, 4, 4);
-                gdiPlusFillPolygon(canvas.dc(), 0, 255, 1, 2, 3, corners, 3);
-                gdiPlusDrawImage(image.get(), canvas.dc(), 0, 0);
-                gdiPlusDrawImage2(image.get(), canvas.dc(), 0, 0, 4, 0, 0, 4);
-                gdiPlusDrawImage3(image.get(), canvas.dc(), 0, 1, 0, 1);
-                gdiPlusDrawTranspImage(image.get(), canvas.dc(), 0, 0);
-                gdiPlusPrintImage(image.get(), canvas.dc(), 0, 0, 1, 1);
-                BvUtilGraphics graphics = nullptr;
-                HDC dc = nullptr;
-                gdiPlusGetGraphicsFromBitmap(image.get(), &graphics);
-                gdiPlusGetHDCFromGraphics(graphics, &dc);
-                gdiPlusFreeHDC(graphics, dc);
-                gdiPlusFreeGraphics(graphics);
+    expect_nothing_kept([&, bitmap = source.bitmap()](int times) {
+        for (int i = 0; i < times; ++i) {
+            unique_image made;
+            gdiPlusBitmapFromBits(bits.data(), 4, 4, 4, 4, 9, 1, made.put());
+            gdiPlusBitmapFromBits(bits.data(), 3, 1, 3, 3, 9, 0, made.put());
+            gdiPlusGetBitmap(4, 4, 16, 1, bits.data(), made.put());
+            gdiPlusGetBitmapEx(4, 4, 12, 16, 1, 9, bits.data(), made.put());
+            gdiPlusBitmapFromRamStruct(&record, 9, 1, made.put());
+            gdiPlusGetBitmap24BPPRGB(4, 4, 12, 0, const_cast<BYTE*>(bits.data()), made.put());
+            gdiPlusGetBitmapFromBitmapInfo(&info, const_cast<BYTE*>(bits.data()), made.put());
+            gdiPlusGetBitmapFromHBitmap(bitmap, made.put());
+            gdiPlusResizeBitmap(bitmap, 5, 5, made.put());
+            if (++round % 20 == 0) {
+                gdiPlusGetBitmapFromFile(path.c_str(), made.put());
+                gdiPlusSaveImage(image.get(), path.c_str(), round % 40 ? 1 : 0);
             }
-        },
-        2000);
+            gdiPlusClearGraphics(canvas.dc(), 1, 2, 3);
+            gdiPlusFillRect(canvas.dc(), 255, 1, 2, 3, 4, 4);
+            gdiPlusFillPolygon(canvas.dc(), 0, 255, 1, 2, 3, corners, 3);
+            gdiPlusDrawImage(image.get(), canvas.dc(), 0, 0);
+            gdiPlusDrawImage2(image.get(), canvas.dc(), 0, 0, 4, 0, 0, 4);
+            gdiPlusDrawImage3(image.get(), canvas.dc(), 0, 1, 0, 1);
+            gdiPlusDrawTranspImage(image.get(), canvas.dc(), 0, 0);
+            gdiPlusPrintImage(image.get(), canvas.dc(), 0, 0, 1, 1);
+            BvUtilGraphics graphics = nullptr;
+            HDC dc = nullptr;
+            gdiPlusGetGraphicsFromBitmap(image.get(), &graphics);
+            gdiPlusGetHDCFromGraphics(graphics, &dc);
+            gdiPlusFreeHDC(graphics, dc);
+            gdiPlusFreeGraphics(graphics);
+        }
+    });
 }
 
 } // namespace
