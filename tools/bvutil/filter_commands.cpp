@@ -1,8 +1,9 @@
 // bvutil filter: image filter plug-ins from the command line.
 #include "bvutil/filter_host.h"
-#include "tools/bvutil/bmp_file.h"
 #include "tools/bvutil/commands.h"
 #include "tools/bvutil/console.h"
+#include "tools/bvutil/drawing_surface.h"
+#include "tools/bvutil/picture_pixels.h"
 #include "tools/bvutil/whole_file.h"
 
 #include <CLI/CLI.hpp>
@@ -154,14 +155,16 @@ void show_info(const Arguments& arguments) {
 
 void apply_filter(const Arguments& arguments) {
     const Filter filter(arguments.plugin);
-    Picture picture = read_bmp(arguments.input);
+    const int format = format_code("", arguments.output);
+    const GdiPlusSession session;
+    Picture picture = read_picture(arguments.input);
     if (picture.width > 32767 || picture.height > 32767)
         throw CommandFailed(exit_bad_input,
                             arguments.input + " is larger than filters can count (32767 pixels)");
     const Interruption interruption;
     for (int round = 0; round <= arguments.again; ++round)
         apply_once(filter, arguments.repeat_last, picture);
-    write_bmp(arguments.output, picture);
+    write_picture(arguments.output, format, picture);
 }
 
 } // namespace
@@ -175,10 +178,11 @@ void add_filter_commands(CLI::App& app) {
     info->add_option("plugin", arguments->plugin, "Plug-in file")->required();
     info->callback([arguments] { show_info(*arguments); });
 
-    auto* apply = group->add_subcommand("apply", "Apply a plug-in to a BMP picture");
+    auto* apply = group->add_subcommand("apply", "Apply a plug-in to a picture");
     apply->add_option("plugin", arguments->plugin, "Plug-in file")->required();
-    apply->add_option("input", arguments->input, "BMP file to read")->required();
-    apply->add_option("output", arguments->output, "BMP file to write, 24 bits per pixel")->required();
+    apply->add_option("input", arguments->input, "Picture to read")->required();
+    apply->add_option("output", arguments->output, "Picture to write: bmp, jpeg, gif, tiff or png")
+        ->required();
     apply->add_option("--again", arguments->again, "Apply it N more times to its own result")
         ->check(CLI::Range(0, 1000))
         ->type_name("N");
