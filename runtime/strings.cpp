@@ -1,10 +1,10 @@
 #include "bvutil/strings.h"
 
 #include "module/guarded.h"
+#include "module/text_to_double.h"
 #include "runtime/path_parts.h"
 #include "runtime/text_lines.h"
 #include "runtime/text_search.h"
-#include "module/text_to_double.h"
 
 #include <cstring>
 #include <limits>
