@@ -13,8 +13,11 @@ if(WIN32)
     # Callers built by other compilers keep the stack aligned to four bytes only.
     target_compile_options(bvutil_flags INTERFACE -mstackrealign)
     target_compile_definitions(bvutil_flags INTERFACE WIN32_LEAN_AND_MEAN NOMINMAX __USE_MINGW_ANSI_STDIO=1)
-    # Static runtimes: nothing but Windows' own DLLs is needed. No timestamp and a fixed base: two
-    # builds of one state of the sources are equal.
+    # What is handed out has symbols, in the form that Wine's debugger reads, too. No path of this machine gets
+    # into them, and no timestamp into the files: two builds of one state of the sources are equal, wherever
+    # they are made.
+    set(product_flags -gdwarf-4 -ffile-prefix-map=${CMAKE_SOURCE_DIR}=.)
+    # Static runtimes: nothing but Windows' own DLLs is needed.
     target_link_options(bvutil_flags INTERFACE -static -static-libgcc -static-libstdc++
                         -Wl,--no-insert-timestamp)
 else()

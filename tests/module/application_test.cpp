@@ -1,6 +1,7 @@
 // The application object: start, stop and resources.
 #include "module/handles.h"
 #include "module/resource.h"
+#include "module/version.h"
 #include "tests/support/second_copy.h"
 
 #include <gtest/gtest.h>
@@ -43,7 +44,9 @@ TEST(Resources, TellTheVersion) {
     VS_FIXEDFILEINFO* info = nullptr;
     UINT length = 0;
     ASSERT_TRUE(VerQueryValueA(block.data(), "\\", reinterpret_cast<void**>(&info), &length));
-    EXPECT_EQ(HIWORD(info->dwFileVersionMS), 1);
+    const WORD numbers[] = {BVUTIL_VERSION_NUMBERS};
+    EXPECT_EQ(info->dwFileVersionMS, static_cast<DWORD>(MAKELONG(numbers[1], numbers[0])));
+    EXPECT_EQ(info->dwFileVersionLS, static_cast<DWORD>(MAKELONG(numbers[3], numbers[2])));
     EXPECT_EQ(info->dwFileType, static_cast<DWORD>(VFT_DLL));
 }
 

@@ -1,4 +1,5 @@
 // bvutil: BvUtil's services from the command line.
+#include "module/version.h"
 #include "tools/bvutil/commands.h"
 #include "tools/bvutil/console.h"
 
@@ -26,7 +27,7 @@ int main(int argc, char** argv) {
     _setmode(_fileno(stderr), _O_BINARY);
 
     CLI::App app("Settings files, profiles, pictures, filters and geometry with BvUtil.", "bvutil");
-    app.set_version_flag("--version", "bvutil 1.0.0");
+    app.set_version_flag("--version", "bvutil " BVUTIL_VERSION_TEXT);
     app.require_subcommand(1);
     app.allow_windows_style_options(false); // values and paths may begin with a slash
     app.footer("Exit codes: 0 done, 1 not found, 2 bad input, 3 file cannot be read or written,\n"
