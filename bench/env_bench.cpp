@@ -1,73 +1,185 @@
-// The environment store by its number of elements, all in one block.
+// The environment store: whole documents, and single calls by the number of siblings. The yardsticks are a
+// pass over the document's bytes that counts "=" and line ends, and a copy of them; those of 100,000 calls
+// are those of the wide document, which has as many leaves.
 #include "bench/bench.h"
+#include "bench/env_documents.h"
 #include "bvutil/env.h"
 
+#include <array>
 #include <cstdio>
-#include <string>
-#include <vector>
+#include <cstring>
 
 namespace {
 
-struct Text {
-    std::string bytes;
-    std::size_t at = 0;
-    static int BVUTIL_CALL next(void* self) {
-        auto& text = *static_cast<Text*>(self);
-        return text.at < text.bytes.size() ? static_cast<signed char>(text.bytes[text.at++]) : -1;
+constexpr int runs = 11;
+constexpr std::size_t calls = 100000;
+
+struct Document {
+    explicit Document(const char* file_name, const std::string& text) : name(file_name) {
+        std::FILE* file = std::fopen(name, "wb");
+        std::fwrite(text.data(), 1, text.size(), file);
+        std::fclose(file);
+        std::string copy(text.size(), ' ');
+        const double pass = bench::median_ms(runs, [&] {
+            std::size_t found = 0;
+            for (const char c : text) {
+                found += c == '=' || c == '\n';
+                asm volatile("" : : "r"(found)); // byte by byte, whatever the compiler could do
+            }
+        });
+        const double memcpy_ms = bench::median_ms(runs, [&] {
+            std::memcpy(copy.data(), text.data(), text.size());
+            asm volatile("" : : "r"(copy.data()) : "memory");
+        });
+        yardsticks = {pass, memcpy_ms};
+        std::printf("%s: %zu bytes, pass %.2f ms, memcpy %.2f ms\n", name, text.size(), yardsticks[0],
+                    yardsticks[1]);
     }
-    static void BVUTIL_CALL take(int c, void* self) {
-        static_cast<Text*>(self)->bytes.push_back(static_cast<char>(c));
-    }
+    ~Document() { std::remove(name); }
+    Document(const Document&) = delete;
+    Document& operator=(const Document&) = delete;
+
+    const char* name;
+    std::vector<double> yardsticks; // milliseconds
 };
 
-void run(std::size_t count) {
-    const int runs = count <= 10'000 ? 11 : 3;
-    std::vector<std::string> names;
-    for (std::size_t i = 0; i < count; ++i)
-        names.push_back(std::string("name").append(std::to_string(i)));
-    EnvHandle env = env_open(0, nullptr);
-    Text text;
+// An environment that can be emptied by closing it.
+class Env {
+  public:
+    ~Env() { close(); }
+    Env() = default;
+    Env(const Env&) = delete;
+    Env& operator=(const Env&) = delete;
+    operator EnvHandle() const { return m_handle; }
+    void close() {
+        if (m_handle) env_close(m_handle, 0);
+        m_handle = nullptr;
+    }
+    void renew() {
+        close();
+        m_handle = env_open(0, nullptr);
+    }
 
-    const double put = bench::median_ms(
-        runs,
-        [&] {
-            env_close(env, 0);
-            env = env_open(0, nullptr);
-        },
-        [&] {
-            for (const std::string& name : names)
-                env_put(env, "S", name.c_str(), "value");
-        });
-    const double get = bench::median_ms(runs, [&] {
-        char value[16];
-        for (const std::string& name : names)
-            env_get(env, "S", name.c_str(), 1, sizeof value, value);
-    });
-    const double iterate = bench::median_ms(runs, [&] {
-        char name[32], value[16];
-        long external = 0;
-        EnvStatus kind =
-            env_get_first(env, "S", nullptr, 1, nullptr, sizeof name, name, sizeof value, value, &external);
-        while (kind == ENV_IS_DATA)
-            kind = env_get_next(sizeof name, name, sizeof value, value, &external);
-    });
-    const double traverse = bench::median_ms(runs, [&] {
-        env_traverse(
-            env, "S", nullptr, 1, [](EnvHandle, const char*, const char*, void*) {}, nullptr);
-    });
-    const double write = bench::median_ms(
-        runs, [&] { text.bytes.clear(); }, [&] { env_write(Text::take, &text, env); });
-    const double read = bench::median_ms(
-        runs, [&] { text.at = 0; }, [&] { env_read(Text::next, &text, env); });
-    env_close(env, 0);
-    std::printf("%8u %9.2f %9.2f %9.2f %9.2f %9.2f %9.2f\n", static_cast<unsigned>(count), put, get, iterate,
-                traverse, read, write);
+  private:
+    EnvHandle m_handle = env_open(0, nullptr);
+};
+
+// Bytes of memory that the process has of its own.
+std::size_t committed() {
+    std::size_t total = 0;
+    MEMORY_BASIC_INFORMATION info;
+    for (char* at = nullptr; VirtualQuery(at, &info, sizeof info) != 0;
+         at = static_cast<char*>(info.BaseAddress) + info.RegionSize)
+        if (info.State == MEM_COMMIT && info.Type == MEM_PRIVATE) total += info.RegionSize;
+    return total;
+}
+
+void show_documents(const bench::Table& table, const Document& big, const Document& wide,
+                    const Document& deep) {
+    const auto ms = [&](const char* work, const Document& document, double limit, double time) {
+        table.row(work, time, "ms", {limit}, time, document.yardsticks);
+    };
+    const auto load = [](const Document& document) {
+        Env env;
+        return bench::median_ms(
+            runs, [&] { env.renew(); }, [&] { env_read_file(document.name, env); });
+    };
+    const auto save = [](const Document& document) {
+        Env env;
+        env_read_file(document.name, env);
+        const std::string copy = std::string(document.name) + ".copy";
+        const double time = bench::median_ms(runs, [&] { env_write_file(copy.c_str(), env); });
+        std::remove(copy.c_str());
+        return time;
+    };
+    const auto sink = [&](int mode) {
+        Env from, to;
+        env_read_file(big.name, from);
+        return bench::median_ms(
+            runs, [&] { to.renew(); }, [&] { env_sink(to, from, mode); });
+    };
+    ms("load big", big, 44, load(big));
+    ms("load wide", wide, 13, load(wide));
+    ms("load deep", deep, 19, load(deep));
+    Env env;
+    const auto reload = [&] {
+        env.renew();
+        env_read_file(big.name, env);
+    };
+    ms("free big", big, 5, bench::median_ms(runs, reload, [&] { env.close(); }));
+    ms("save big", big, 35, save(big));
+    ms("save deep", deep, 15, save(deep));
+    ms("copy big by env_sink, what is missing", big, 150, sink(0));
+    ms("copy big by env_sink, overwriting", big, 150, sink(2));
+}
+
+// Paths to the children of one block, in an order that jumps about when asked to.
+std::vector<std::array<char, 24>> paths_to(std::size_t siblings, std::size_t step) {
+    std::vector<std::array<char, 24>> paths(calls);
+    for (std::size_t i = 0; i < calls; ++i)
+        std::snprintf(paths[i].data(), paths[i].size(), "block@name%u",
+                      static_cast<unsigned>(i * step % siblings));
+    return paths;
+}
+
+void show_calls(const bench::Table& table, const Document& wide) {
+    const auto each = [&](const char* work, double limit, double time) {
+        table.row(work, 1e6 * time / calls, "ns", {limit}, time, wide.yardsticks);
+    };
+    Env env;
+    const auto fill = [&](const std::vector<std::array<char, 24>>& paths, std::size_t count) {
+        for (std::size_t i = 0; i < count; ++i)
+            env_put_long(env, "section", paths[i].data(), static_cast<long>(i));
+    };
+    const struct {
+        std::size_t siblings;
+        const char* work;
+        double limit;
+    } gets[] = {{10, "env_get_long, 10 siblings", 80},
+                {1000, "env_get_long, 1,000 siblings", 120},
+                {100000, "env_get_long, 100,000 siblings", 300}};
+    for (const auto& [siblings, work, limit] : gets) {
+        env.renew();
+        fill(paths_to(siblings, 1), siblings);
+        const auto asked = paths_to(siblings, 34807);
+        each(work, limit, bench::median_ms(runs, [&] {
+                 long value = 0;
+                 for (const auto& path : asked)
+                     env_get_long(env, "section", path.data(), 1, &value);
+             }));
+    }
+    each("env_get_next, 100,000 children", 60, bench::median_ms(runs, [&] {
+             char name[24], value[24];
+             long external = 0;
+             EnvStatus kind = env_get_first(env, "section", "block", 1, nullptr, sizeof name, name,
+                                            sizeof value, value, &external);
+             while (kind == ENV_IS_DATA)
+                 kind = env_get_next(sizeof name, name, sizeof value, value, &external);
+         }));
+    const auto paths = paths_to(calls, 1);
+    each("env_put_long, 100,000 into one block", 350,
+         bench::median_ms(
+             runs, [&] { env.renew(); }, [&] { fill(paths, calls); }));
+    each("env_traverse, 100,000 children", 500, bench::median_ms(runs, [&] {
+             env_traverse(
+                 env, "section", "block", 1, [](EnvHandle, const char*, const char*, void*) {}, nullptr);
+         }));
 }
 
 } // namespace
 
 int main() {
-    std::printf("elements       put       get   iterate  traverse      read     write   (ms)\n");
-    for (const std::size_t count : {1'000, 10'000, 100'000})
-        run(count);
+    const Document big("big.env", documents::big());
+    const Document wide("wide.env", documents::wide());
+    const Document deep("deep.env", documents::deep());
+    const bench::Table table({"pass", "memcpy"});
+    {
+        const std::size_t before = committed();
+        const Env env;
+        env_read_file(big.name, env);
+        table.row("memory of big, each element", static_cast<double>(committed() - before) / 402000, "B",
+                  {57});
+    }
+    show_documents(table, big, wide, deep);
+    show_calls(table, wide);
 }
