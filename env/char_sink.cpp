@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 
 namespace env {
 
@@ -16,7 +17,11 @@ namespace {
 constexpr std::size_t buffer_size = 64 * 1024;
 }
 
-FileSink::FileSink(std::FILE* file) : m_file(file), m_buffer(buffer_size) {}
+// The file is open and empty by now: it must not stay so for want of a buffer.
+FileSink::FileSink(std::FILE* file) noexcept : m_file(file), m_buffer(m_reserve) {
+    for (std::size_t size = buffer_size; !m_large && size > m_reserve.size(); size /= 2)
+        if (m_large.reset(new (std::nothrow) char[size]); m_large) m_buffer = {m_large.get(), size};
+}
 
 void FileSink::text(std::string_view text) {
     for (;;) {

@@ -3,11 +3,13 @@
 
 #include "bvutil/env.h"
 
+#include <array>
 #include <cstddef>
 #include <cstdio>
+#include <memory>
+#include <span>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace env {
 
@@ -34,7 +36,8 @@ class FileSink {
   public:
     static constexpr bool calls_out = false;
 
-    explicit FileSink(std::FILE* file);
+    // Needs no memory: with less of it the buffer is smaller.
+    explicit FileSink(std::FILE* file) noexcept;
     ~FileSink() { flush(); }
     FileSink(const FileSink&) = delete;
     FileSink& operator=(const FileSink&) = delete;
@@ -49,7 +52,9 @@ class FileSink {
     void flush();
 
     std::FILE* m_file;
-    std::vector<char> m_buffer;
+    std::array<char, 512> m_reserve{};
+    std::unique_ptr<char[]> m_large;
+    std::span<char> m_buffer;
     std::size_t m_length = 0;
 };
 

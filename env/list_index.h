@@ -42,6 +42,8 @@ class ListIndex {
     ElementList* owner_list = nullptr;
 
   private:
+    friend class StoreCheck; // of the tests
+
     // All elements of one name; the first alone is held in the slot.
     struct SameNamed {
         std::vector<Element*> members;

@@ -15,7 +15,13 @@ std::unique_ptr<EnvHandleRecord> open_sub(const Address& address, bool exact) {
 
 std::unique_ptr<EnvHandleRecord> create_sub(const Address& address) {
     if (auto sub = open_sub(address, true)) return sub;
-    return put(address, nullptr, 0) == ENV_OK ? open_sub(address, true) : nullptr;
+    // The handle first: what is created needs no memory after it.
+    auto sub = std::make_unique<EnvHandleRecord>(*address.env, nullptr);
+    if (put(address, nullptr, 0) != ENV_OK) return nullptr;
+    const Found created = find(address, true);
+    if (!created) return nullptr;
+    sub->pin.stand_on(address.env->tree(), created.element);
+    return sub;
 }
 
 EnvStatus close(EnvHandle env, bool close_chain) {

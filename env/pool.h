@@ -26,6 +26,8 @@ class Pool {
     static constexpr std::size_t rounded(std::size_t size) { return (size + unit - 1) / unit * unit; }
 
   private:
+    friend class StoreCheck; // of the tests
+
     static constexpr std::size_t unit = alignof(void*);
     // Larger blocks come from the heap one by one: there are few of them.
     static constexpr std::size_t largest_small = 512;

@@ -4,7 +4,6 @@
 #include "env/report.h"
 
 #include <new>
-#include <string>
 
 namespace env {
 
@@ -29,27 +28,22 @@ Element* create_value(Tree& tree, std::string_view name, const Value& value) {
 // No list can hold more elements than this; asking for them is not worth trying.
 constexpr long most_new_elements = 1L << 25;
 
-// Appends what the component lacks under the parent: empty data up to the occurrence, then the target, which
-// is the value for the last component and an empty block for one on the way.
-Element* create_component(Tree& tree, Element* parent, const Component& component, const Value* value) {
+// Appends a new element that the component names under the parent: first empty data up to its occurrence.
+void append_component(Tree& tree, Element* parent, const Component& component, Draft& element) {
     const ElementList* children = children_of(parent);
     const long present = children ? count_named(tree, *children, component.name) : 0;
     const long lacking = component.occurrence - present;
     if (lacking > most_new_elements) throw std::bad_alloc();
-    Element* const target =
-        value ? create_value(tree, component.name, *value) : tree.create_block(component.name);
     long appended = 0;
     try {
         for (; appended < lacking - 1; ++appended)
             tree.append_child(parent, tree.create_data(component.name, ""));
-        tree.append_child(parent, target);
     } catch (const std::bad_alloc&) {
-        tree.remove(target);
         for (; appended > 0; --appended)
             tree.remove(parent->children->last);
         throw;
     }
-    return target;
+    tree.append_child(parent, element.keep());
 }
 
 // Whether each component left can be created: an occurrence of 0 names no element of an empty block.
@@ -59,12 +53,20 @@ bool can_create(PathReader rest) {
     return true;
 }
 
-// Creates all components left under the parent, the last with the value.
+// Creates all components left under the parent, a block: an empty block for each on the way, the value for
+// the last. What hangs on the first is made before that is appended.
 void create_along(Tree& tree, Element* parent, PathReader path, const Value& value) {
-    while (!path.at_end()) {
-        const Component component = path.next();
-        parent = create_component(tree, parent, component, path.at_end() ? &value : nullptr);
+    const auto create = [&](std::string_view name) {
+        return path.at_end() ? create_value(tree, name, value) : tree.create_block(name);
+    };
+    const Component first = path.next();
+    Draft top(tree, create(first.name));
+    for (Element* at = top.get(); !path.at_end(); at = at->children->last) {
+        const Component below = path.next();
+        Draft element(tree, create(below.name));
+        append_component(tree, at, below, element);
     }
+    append_component(tree, parent, first, top);
 }
 
 EnvStatus put_along(Tree& tree, Element* start, PathReader path, const Value& value) {
@@ -79,15 +81,25 @@ EnvStatus put_along(Tree& tree, Element* start, PathReader path, const Value& va
             create_along(tree, element, here, value);
             return ENV_OK;
         }
-        // The element's text goes, and the path and the value may lie in it.
-        const std::string kept_path(here.rest());
-        const std::string kept_text(value.text ? value.text : "");
-        create_along(tree, element, PathReader(kept_path),
-                     {value.text ? kept_text.c_str() : nullptr, value.external});
+        // The element's text goes last: the path and the value may lie in it.
+        const Draft block(tree, tree.create_block(""));
+        create_along(tree, block.get(), here, value);
+        tree.move_children(block.get(), element);
         return ENV_OK;
     }
     store(tree, element, value);
     return ENV_OK;
+}
+
+// Below a section, or the element of a sub-environment.
+EnvStatus put_below(Tree& tree, Element* start, const char* path_text, const Value& value) {
+    if (!path_text) return ENV_OK; // a section holds no value
+    const PathReader path(path_text);
+    if (path.at_end()) {
+        report("Bad Path was given");
+        return ENV_OK; // kept: callers rely on 0
+    }
+    return put_along(tree, start, path, value);
 }
 
 } // namespace
@@ -95,25 +107,19 @@ EnvStatus put_along(Tree& tree, Element* start, PathReader path, const Value& va
 EnvStatus put(const Address& address, const char* text, long external) {
     const Value value{text, static_cast<std::int32_t>(external)};
     Tree& tree = address.env->tree();
-    Found start = find_start(address);
+    const Found start = find_start(address);
     if (start.status == ENV_INVALID) return ENV_INVALID;
-    if (address.env->is_sub()) {
-        if (!start) return ENV_INVALID; // its element was deleted
-        if (!address.path) {
-            store(tree, start.element, value);
-            return ENV_OK;
-        }
-    } else if (!start) {
-        start.element = tree.create_block(address.section);
-        tree.append(tree.top(), start.element);
+    if (start) {
+        if (address.path || !address.env->is_sub())
+            return put_below(tree, start.element, address.path, value);
+        store(tree, start.element, value);
+        return ENV_OK;
     }
-    if (!address.path) return ENV_OK; // a section holds no value
-    const PathReader path(address.path);
-    if (path.at_end()) {
-        report("Bad Path was given");
-        return ENV_OK; // kept: callers rely on 0
-    }
-    return put_along(tree, start.element, path, value);
+    if (address.env->is_sub()) return ENV_INVALID; // its element was deleted
+    Draft section(tree, tree.create_block(address.section));
+    const EnvStatus status = put_below(tree, section.get(), address.path, value);
+    tree.append(tree.top(), section.keep());
+    return status;
 }
 
 } // namespace env

@@ -6,8 +6,8 @@
 
 namespace env {
 
-// Writes the text as data, or the external when the text is null. Throws std::bad_alloc; then the element
-// in front of which memory ran out and its empty namesakes are taken back.
+// Writes the text as data, or the external when the text is null. Throws std::bad_alloc and
+// then changes nothing.
 EnvStatus put(const Address& address, const char* text, long external);
 
 } // namespace env

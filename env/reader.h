@@ -33,26 +33,6 @@ class Reader {
     }
 
   private:
-    // A section under construction: dropped unless it is complete.
-    class Draft {
-      public:
-        Draft(Tree& tree, std::string_view name) : m_tree(tree), m_section(tree.create_block(name)) {}
-        ~Draft() {
-            if (m_section) m_tree.remove(m_section);
-        }
-        Draft(const Draft&) = delete;
-        Draft& operator=(const Draft&) = delete;
-        Element* get() const { return m_section; }
-        void append() {
-            m_tree.append(m_tree.top(), m_section);
-            m_section = nullptr;
-        }
-
-      private:
-        Tree& m_tree;
-        Element* m_section;
-    };
-
     static std::string_view trimmed(std::string_view text) {
         while (!text.empty() && (text.back() == ' ' || text.back() == '\t'))
             text.remove_suffix(1);
@@ -72,10 +52,10 @@ class Reader {
 
     EnvStatus read_section() {
         m_in.skip_blanks();
-        Draft section(m_tree, trimmed(m_in.take_until(']', m_scratch)));
+        Draft section(m_tree, m_tree.create_block(trimmed(m_in.take_until(']', m_scratch))));
         if (m_in.peek() >= 0) m_in.advance();
         const EnvStatus status = read_elements(section.get());
-        if (status == ENV_OK) section.append();
+        if (status == ENV_OK) m_tree.append(m_tree.top(), section.keep());
         return status;
     }
 

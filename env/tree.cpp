@@ -131,12 +131,20 @@ void Tree::insert_before(Element* sibling, Element* element) {
 void Tree::append_child(Element* parent, Element* element) {
     ElementList* list = children_of(parent);
     if (!list) {
+        Draft appended(*this, element);
         list = new (m_pool.allocate(sizeof(ElementList))) ElementList{};
+        appended.keep();
         list->owner = parent;
         make_block(parent);
         parent->children = list;
     }
     append(*list, element);
+}
+
+void Tree::move_children(Element* from, Element* to) {
+    make_block(to);
+    to->children = std::exchange(from->children, nullptr);
+    if (to->children) to->children->owner = to;
 }
 
 void Tree::unlink(Element* element) {

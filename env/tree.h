@@ -6,6 +6,7 @@
 #include "env/pool.h"
 
 #include <string_view>
+#include <utility>
 
 namespace env {
 
@@ -23,6 +24,7 @@ class Pin {
     void leave();
 
   private:
+    friend class StoreCheck; // of the tests
     friend class Tree;
     Element* m_element = nullptr;
     class Tree* m_tree = nullptr;
@@ -52,8 +54,10 @@ class Tree {
     void append(ElementList& list, Element* element);
     void insert_before(Element* sibling, Element* element);
     // The same at the end of a block's children; the list is made on demand. Anything else becomes a block
-    // first.
+    // first. The element is deleted when this throws.
     void append_child(Element* parent, Element* element);
+    // Anything but a block becomes one that has the children of another, which then has none.
+    void move_children(Element* from, Element* to);
 
     // Deletes an element, in a list or not, with all below it.
     void remove(Element* element);
@@ -68,6 +72,7 @@ class Tree {
 
   private:
     friend class Pin;
+    friend class StoreCheck; // of the tests
 
     Element* create(std::string_view name, Kind kind, std::size_t text_size);
     void release_content(Element* element);
@@ -84,6 +89,24 @@ class Tree {
     ElementList m_top;
     ListIndex* m_indexes = nullptr;
     Pin* m_pins = nullptr;
+};
+
+// An element under construction, in no list: deleted, with all below it, unless it is kept.
+class Draft {
+  public:
+    Draft(Tree& tree, Element* element) : m_tree(tree), m_element(element) {}
+    ~Draft() {
+        if (m_element) m_tree.remove(m_element);
+    }
+    Draft(const Draft&) = delete;
+    Draft& operator=(const Draft&) = delete;
+
+    Element* get() const { return m_element; }
+    Element* keep() { return std::exchange(m_element, nullptr); }
+
+  private:
+    Tree& m_tree;
+    Element* m_element;
 };
 
 } // namespace env

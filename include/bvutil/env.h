@@ -23,7 +23,8 @@
  *  An #EnvStatus: 0 or a layer tag for success (tags are the caller's; use non-negative ones), else a
  *  negative code. A null handle gives #ENV_INVALID and the message "Nil parametr". Problems that the user
  *  should see go to BvUtil_Message() with the source "BvUtilEnv". Running out of memory gives #ENV_INVALID or
- * a null handle, and leaves the store as it was or with part of the elements that were to be created.
+ * a null handle and leaves the store as it was. Only reading and copying keep what was done before: the
+ * sections that were complete, the leaves that were copied.
  *
  *  @par Lifetime
  *  Texts handed out by pointer live until their element is changed or deleted. A sub-environment whose

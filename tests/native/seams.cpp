@@ -1,6 +1,7 @@
 #include "tests/native/seams.h"
 
 #include "bvutil/messages.h"
+#include "module/guarded.h"
 #include "module/multibyte.h"
 
 #include <utility>
@@ -44,8 +45,10 @@ unsigned lower_case(unsigned character) {
 } // namespace multibyte
 
 extern "C" void BvUtil_Message(const char* text1, const char* text2, const char* text3, const char*, int) {
-    std::string text;
-    for (const char* part : {text1, text2, text3})
-        if (part) text += part;
-    messages.push_back(std::move(text));
+    guarded([&] {
+        std::string text;
+        for (const char* part : {text1, text2, text3})
+            if (part) text += part;
+        messages.push_back(std::move(text));
+    });
 }
