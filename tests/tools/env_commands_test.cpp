@@ -200,17 +200,6 @@ TEST_F(EnvCommands, Merges) {
     }
 }
 
-TEST(Samples, TheProgramInCReadsAndChangesSettings) {
-    const TempDir dir;
-    for (const std::string name : {"user.env", "site.env"})
-        std::filesystem::copy(SOURCE_DIR "/samples/settings/" + name, dir.file(name));
-    const ProgramRun run = run_program("samples\\settings.exe", {"user.env", "site.env"}, dir.path());
-    EXPECT_EQ(run.code, 0) << run.err;
-    EXPECT_EQ(run.out, "scale 1:50, from the user's layer\r\npaper A4\r\n7 pens, the broadest 1 mm\r\n");
-    EXPECT_NE(read_file(dir.file("user.env")).find("    layer ={\r\n      pen =0.35\r\n    }\r\n"),
-              std::string::npos);
-}
-
 // What the README shows is what has just been run.
 TEST(Samples, TheReadmeQuotesTheProgramInC) {
     EXPECT_NE(read_file(SOURCE_DIR "/README.md").find(read_file(SOURCE_DIR "/samples/c/settings.c")),
