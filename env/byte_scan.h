@@ -21,6 +21,20 @@ const char* find_byte(const char* at, const char* end, const Matches& matches) {
     return at;
 }
 
+// The same, copying what lies before. Up to fifteen bytes more than that may be written.
+template <class Matches>
+const char* copy_up_to(const char* at, const char* end, char* out, const Matches& matches) {
+    for (; end - at >= 16; at += 16, out += 16) {
+        const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(out), bytes);
+        if (const int mask = _mm_movemask_epi8(matches(bytes)))
+            return at + std::countr_zero(static_cast<unsigned>(mask));
+    }
+    while (at < end && !matches(*at))
+        *out++ = *at++;
+    return at;
+}
+
 // Matches any of the bytes.
 template <char... Bytes>
 struct AnyOf {

@@ -1,5 +1,8 @@
 #include "env/char_source.h"
 
+#include <algorithm>
+#include <cstring>
+
 namespace env {
 
 namespace {
@@ -14,95 +17,121 @@ bool ends_text(char c) {
     return c == control_z || c == end_byte;
 }
 
-class Cleaner {
-  public:
-    Cleaner(char* text, std::size_t length) : m_text(text), m_in(text), m_end(text + length), m_out(text) {}
-
-    std::size_t run() {
-        while (m_in < m_end) {
-            copy_ordinary();
-            if (m_in == m_end) break;
-            handle_special();
-        }
-        return static_cast<std::size_t>(m_out - m_text);
-    }
-
-  private:
-    void copy_ordinary() {
-        const char* const begin = m_in;
-        m_in += find_byte(m_in, m_end, Special()) - m_in;
-        const auto length = static_cast<std::size_t>(m_in - begin);
-        if (length == 0) return;
-        if (m_out != begin) std::memmove(m_out, begin, length);
-        m_out += length;
-        m_line_start = m_in[-1] == '\n';
-    }
-
-    void handle_special() {
-        switch (*m_in) {
-        case '\0':
-            ++m_in;
-            return;
-        case control_z:
-        case end_byte:
-            m_end = m_in;
-            return;
-        case '\r':
-            // Before a line feed it vanishes, and the line feed is ordinary.
-            if (m_in + 1 == m_end || m_in[1] != '\n')
-                copy_one();
-            else
-                ++m_in;
-            return;
-        case ';':
-            if (m_line_start)
-                skip_comment();
-            else
-                copy_one();
-            return;
-        default:
-            backslash();
-        }
-    }
-
-    void copy_one() {
-        *m_out++ = *m_in++;
-        m_line_start = false;
-    }
-
-    void skip_comment() {
-        while (m_in < m_end && *m_in != '\n' && !ends_text(*m_in))
-            ++m_in;
-    }
-
-    void backslash() {
-        char* behind = m_in + 1;
-        while (behind < m_end && (*behind == ' ' || *behind == '\0'))
-            ++behind;
-        if (behind + 1 < m_end && behind[0] == '\r' && behind[1] == '\n') ++behind;
-        if (behind < m_end && *behind == '\n') {
-            m_in = behind + 1;
-            m_line_start = true; // of the file's lines: a comment may follow
-            return;
-        }
-        // No continuation: all of it is text, the character behind the spaces too, a backslash even.
-        for (; m_in < behind; ++m_in)
-            if (*m_in != '\0') *m_out++ = *m_in;
-        m_line_start = false;
-        if (m_in < m_end && !ends_text(*m_in)) copy_one();
-    }
-
-    char* m_text;
-    char* m_in;
-    char* m_end;
-    char* m_out;
-    bool m_line_start = true;
-};
-
 } // namespace
 
-std::size_t clean_text(char* text, std::size_t length) {
-    return Cleaner(text, length).run();
+std::size_t Cleaner::clean(const char* bytes, std::size_t length, bool is_last, char* out) {
+    m_in = bytes;
+    m_end = bytes + length;
+    m_out = out;
+    m_is_last = is_last;
+    do {
+        if (m_in_comment) skip_comment();
+        copy_ordinary();
+    } while (m_in < m_end && handle_special());
+    return static_cast<std::size_t>(m_in - bytes);
+}
+
+void Cleaner::copy_ordinary() {
+    const char* const begin = m_in;
+    m_in = copy_up_to(m_in, m_end, m_out, Special());
+    m_out += m_in - begin;
+    if (m_in != begin) m_line_start = m_in[-1] == '\n';
+}
+
+// False when it cannot go on: the text has ended, or what lies behind must be known.
+bool Cleaner::handle_special() {
+    switch (*m_in) {
+    case '\0':
+        ++m_in;
+        return true;
+    case control_z:
+    case end_byte:
+        m_ended = true;
+        return false;
+    case '\r':
+        // Before a line feed it vanishes, and the line feed is ordinary.
+        if (m_in + 1 == m_end && !m_is_last) return false;
+        if (m_in + 1 == m_end || m_in[1] != '\n')
+            copy_one();
+        else
+            ++m_in;
+        return true;
+    case ';':
+        if (m_line_start)
+            m_in_comment = true;
+        else
+            copy_one();
+        return true;
+    default:
+        return backslash();
+    }
+}
+
+void Cleaner::copy_one() {
+    *m_out++ = *m_in++;
+    m_line_start = false;
+}
+
+void Cleaner::skip_comment() {
+    m_in = find_byte(m_in, m_end, AnyOf<'\n', control_z, end_byte>());
+    m_in_comment = m_in == m_end;
+}
+
+bool Cleaner::backslash() {
+    const char* behind = find_byte(m_in + 1, m_end, NoneOf<' ', '\0'>());
+    if (m_end - behind < 2 && !m_is_last) return false;
+    if (m_end - behind >= 2 && behind[0] == '\r' && behind[1] == '\n') ++behind;
+    if (behind < m_end && *behind == '\n') {
+        m_in = behind + 1;
+        m_line_start = true; // of the file's lines: a comment may follow
+        return true;
+    }
+    // No continuation: all of it is text, the character behind the spaces too, a backslash even.
+    for (; m_in < behind; ++m_in)
+        if (*m_in != '\0') *m_out++ = *m_in;
+    m_line_start = false;
+    if (m_in < m_end && !ends_text(*m_in)) copy_one();
+    return true;
+}
+
+void FileSource::Buffer::grow(std::size_t to_size, std::size_t kept) {
+    auto larger = std::make_unique_for_overwrite<char[]>(to_size);
+    if (kept > 0) std::memcpy(larger.get(), bytes.get(), kept);
+    bytes = std::move(larger);
+    size = to_size;
+}
+
+FileSource::FileSource(std::FILE* file, std::size_t piece) : m_file(file) {
+    std::setvbuf(file, nullptr, _IONBF, 0); // the pieces are large enough
+    m_raw.grow(piece, 0);
+}
+
+bool FileSource::refill() {
+    const std::size_t before = static_cast<std::size_t>(m_end - m_kept);
+    while (!m_ended && static_cast<std::size_t>(m_end - m_kept) == before) {
+        if (m_raw_length == m_raw.size) m_raw.grow(2 * m_raw.size, m_raw_length);
+        const std::size_t asked = m_raw.size - m_raw_length;
+        const std::size_t got = std::fread(m_raw.bytes.get() + m_raw_length, 1, asked, m_file);
+        m_raw_length += got;
+        make_room(m_raw_length + Cleaner::slack);
+        char* const out = m_text.bytes.get() + (m_end - m_kept);
+        const std::size_t cleaned = m_cleaner.clean(m_raw.bytes.get(), m_raw_length, got < asked, out);
+        m_end = m_cleaner.out();
+        m_ended = got < asked || m_cleaner.ended();
+        m_raw_length -= cleaned;
+        std::memmove(m_raw.bytes.get(), m_raw.bytes.get() + cleaned, m_raw_length);
+    }
+    return m_at < m_end;
+}
+
+void FileSource::make_room(std::size_t more) {
+    const std::size_t kept = static_cast<std::size_t>(m_end - m_kept);
+    const std::size_t done = static_cast<std::size_t>(m_at - m_kept);
+    if (kept > 0) std::memmove(m_text.bytes.get(), m_kept, kept);
+    if (kept + more > m_text.size) m_text.grow(std::max(kept + more, 2 * m_text.size), kept);
+    m_kept = m_text.bytes.get();
+    m_at = m_kept + done;
+    m_end = m_kept + kept;
 }
 
 int CallbackSource::next_raw() {

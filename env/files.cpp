@@ -10,7 +10,6 @@
 #include <cstdio>
 #include <memory>
 #include <string>
-#include <vector>
 
 namespace env {
 
@@ -20,25 +19,6 @@ struct CloseFile {
     void operator()(std::FILE* file) const noexcept { std::fclose(file); }
 };
 using File = std::unique_ptr<std::FILE, CloseFile>;
-
-// All bytes of a file; what cannot be read ends it.
-std::vector<char> read_all(std::FILE* file) {
-    constexpr std::size_t first_step = 64 * 1024;
-    std::vector<char> bytes;
-    std::size_t length = 0;
-    std::setvbuf(file, nullptr, _IONBF, 0); // the steps are large enough
-    do {
-        bytes.resize(bytes.empty() ? first_step : bytes.size() * 2);
-        length += std::fread(bytes.data() + length, 1, bytes.size() - length, file);
-    } while (length == bytes.size());
-    bytes.resize(length);
-    return bytes;
-}
-
-template <class Source>
-EnvStatus read_sections(Source source, EnvHandle env) {
-    return Reader(source, env->tree()).read();
-}
 
 bool refuse_sub(EnvHandle env, const char* message) {
     if (env->is_sub()) report(message);
@@ -64,7 +44,8 @@ EnvStatus read_from(EnvReadChar read_char, void* source, EnvHandle env) {
     if (refuse_sub(env, "can not read subenv") || env->being_read) return ENV_INVALID;
     const BeingRead reading(env);
     env->tree().clear();
-    return read_sections(CallbackSource(read_char, source), env);
+    CallbackSource characters(read_char, source);
+    return Reader(characters, env->tree()).read();
 }
 
 EnvStatus read_from_file(const char* file_name, EnvHandle env) {
@@ -74,9 +55,9 @@ EnvStatus read_from_file(const char* file_name, EnvHandle env) {
         return ENV_INVALID;
     }
     if (refuse_sub(env, "can not read subenv") || env->being_read) return ENV_INVALID;
-    std::vector<char> bytes = read_all(file.get());
+    FileSource source(file.get());
     env->tree().clear();
-    return read_sections(BufferSource({bytes.data(), clean_text(bytes.data(), bytes.size())}), env);
+    return Reader(source, env->tree()).read();
 }
 
 void write_to(EnvWriteChar write_char, void* sink, EnvHandle env) {

@@ -11,7 +11,6 @@
 #include "env/report.h"
 #include "env/tree.h"
 
-#include <string>
 #include <string_view>
 
 namespace env {
@@ -23,7 +22,7 @@ class Reader {
 
     // Appends the sections read to the tree's top level. After an error the section being read is dropped.
     EnvStatus read() {
-        m_in.take_until('[', m_scratch);
+        m_in.template skip_until<'['>();
         while (m_in.peek() >= 0) {
             if (m_in.peek() != '[') return syntax_error("Section waited");
             m_in.advance();
@@ -45,14 +44,15 @@ class Reader {
     }
 
     // Whether the token at hand is a name: any other ends a run of elements.
-    bool at_name() const {
+    bool at_name() {
         const int c = m_in.peek();
         return c >= 0 && c != '[' && c != '=' && c != '}';
     }
 
     EnvStatus read_section() {
         m_in.skip_blanks();
-        Draft section(m_tree, m_tree.create_block(trimmed(m_in.take_until(']', m_scratch))));
+        m_in.template take_until<']'>(m_name);
+        Draft section(m_tree, m_tree.create_block(trimmed(m_in.view(m_name))));
         if (m_in.peek() >= 0) m_in.advance();
         const EnvStatus status = read_elements(section.get());
         if (status == ENV_OK) m_tree.append(m_tree.top(), section.keep());
@@ -77,27 +77,28 @@ class Reader {
 
     // One element; a block becomes the parent of what follows.
     EnvStatus read_element(Element*& parent) {
-        const std::string_view name = trimmed(m_in.take_until('=', m_scratch));
+        m_in.template take_until<'='>(m_name);
         if (m_in.peek() != '=') return syntax_error("Equal sign waited");
         m_in.advance();
         m_in.skip_blanks();
         if (m_in.peek() == '{') {
             m_in.advance();
-            Element* const block = m_tree.create_block(name);
+            Element* const block = m_tree.create_block(trimmed(m_in.view(m_name)));
             m_tree.append_child(parent, block);
             parent = block;
             return ENV_OK;
         }
-        const std::string_view text = trimmed(m_in.take_until('\n', m_value_scratch));
+        m_in.template take_until<'\n'>(m_text);
         if (m_in.peek() >= 0) m_in.advance();
-        m_tree.append_child(parent, m_tree.create_data(name, text));
+        m_tree.append_child(parent,
+                            m_tree.create_data(trimmed(m_in.view(m_name)), trimmed(m_in.view(m_text))));
         return ENV_OK;
     }
 
     Source& m_in;
     Tree& m_tree;
-    std::string m_scratch;
-    std::string m_value_scratch;
+    typename Source::Token m_name;
+    typename Source::Token m_text;
 };
 
 } // namespace env

@@ -41,6 +41,14 @@ EnvStatus read(EnvHandle env, std::string_view text) {
     return env_read(Bytes::next, &bytes, env);
 }
 
+EnvStatus read_file(EnvHandle env, std::string bytes, std::size_t piece) {
+    std::FILE* const file = fmemopen(bytes.data(), bytes.size(), "rb");
+    env::FileSource source(file, piece);
+    const EnvStatus status = env::Reader(source, env->tree()).read();
+    std::fclose(file);
+    return status;
+}
+
 // In text mode, as files are read: the callback's text ends like it.
 std::string text_mode(std::string text) {
     text = text.substr(0, text.find_first_of("\x1a\xff"));
@@ -101,17 +109,15 @@ bool can_be_written(const env::ElementList& list, std::size_t level) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string bytes(reinterpret_cast<const char*>(data), size);
-    const Env by_callback, by_buffer, again;
+    const Env by_callback, by_file, again;
     const EnvStatus status = read(by_callback, text_mode(bytes));
-    std::string buffer = bytes;
-    buffer.resize(env::clean_text(buffer.data(), buffer.size()));
-    env::BufferSource source(buffer);
-    require(env::Reader(source, by_buffer->tree()).read() == status);
+    // In pieces of a few bytes, so that everything happens where two meet.
+    require(read_file(by_file, bytes, 1 + size % 7) == status);
     require(status == ENV_OK || status == ENV_SYNTAX);
     const env::ElementList& top = by_callback->tree().top();
-    require(same(top, by_buffer->tree().top()));
+    require(same(top, by_file->tree().top()));
     const std::string text = written(by_callback);
-    require(text == written(by_buffer));
+    require(text == written(by_file));
     if (can_be_written(top, 1)) {
         require(read(again, text) == ENV_OK);
         require(same(top, again->tree().top()));

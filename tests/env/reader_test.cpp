@@ -171,6 +171,16 @@ TEST(Reader, HasNoLimitOfLength) {
     }
 }
 
+TEST(Reader, ReadsTheSameWhereverThePiecesOfAFileMeet) {
+    constexpr std::size_t piece = 64 * 1024;
+    const std::string text =
+        "[S]\r\n;gone\r\nname = a\\ \0 \r\nb\\ c\\\\ \r\nblock ={\r\n  x =y  z \r\n}\r\n"s;
+    for (std::size_t at = 0; at <= text.size(); ++at)
+        EXPECT_EQ(from_file(std::string(piece - at, ';').append("\n").append(text)).tree,
+                  "<S:<name=ab\\ c\\\\><block{<x=y  z>}>>")
+            << at;
+}
+
 TEST(Reader, ReplacesAllSections) {
     Messages messages;
     const Env env;
