@@ -148,4 +148,12 @@ long count_named(Tree& tree, const ElementList& list, std::string_view name) {
     return count;
 }
 
+long occurrence_of(Tree& tree, const Element* element) {
+    if (const ListIndex* index = tree.index_of(*element->list)) return index->occurrence_of(element);
+    long occurrence = 1;
+    for (const Element* earlier = element->previous; earlier; earlier = earlier->previous)
+        occurrence += earlier->is_named(element->name(), element->hash);
+    return occurrence;
+}
+
 } // namespace env

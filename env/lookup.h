@@ -49,4 +49,7 @@ Found find_for_read(const Address& address, bool exact, long pos);
 // How many of the siblings in a list bear this name.
 long count_named(Tree& tree, const ElementList& list, std::string_view name);
 
+// The occurrence number of an element among its siblings, from 1.
+long occurrence_of(Tree& tree, const Element* element);
+
 } // namespace env

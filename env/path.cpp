@@ -69,6 +69,10 @@ std::size_t Delimiter::find(std::string_view text, bool wide) const {
     return found;
 }
 
+bool Delimiter::keeps(std::string_view name) const {
+    return !name.empty() && !is_wide(name) && find(name, false) == std::string_view::npos;
+}
+
 std::size_t Delimiter::find_last_joint(std::string_view text) const {
     if (!is_wide(text)) return text.rfind(m_text[0]);
     std::size_t found = std::string_view::npos;

@@ -23,6 +23,8 @@ class Delimiter {
     bool is_wide(std::string_view text) const;
     // Position of the first separator; npos when there is none. `wide` is is_wide() of the text.
     std::size_t find(std::string_view text, bool wide) const;
+    // Whether a component that is this name, with an occurrence number behind it, is read back as the same.
+    bool keeps(std::string_view name) const;
     // Position of the last joint; npos when there is none.
     std::size_t find_last_joint(std::string_view text) const;
 

@@ -104,6 +104,15 @@ EnvStatus put_below(Tree& tree, Element* start, const char* path_text, const Val
 
 } // namespace
 
+EnvStatus put_text(Tree& tree, Element* start, const char* path, const char* text) {
+    return put_below(tree, start, path, {text, 0});
+}
+
+void append_text(Tree& tree, Element* block, const Component& component, std::string_view text) {
+    Draft element(tree, tree.create_data(component.name, text));
+    append_component(tree, block, component, element);
+}
+
 EnvStatus put(const Address& address, const char* text, long external) {
     const Value value{text, static_cast<std::int32_t>(external)};
     Tree& tree = address.env->tree();

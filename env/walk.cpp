@@ -42,7 +42,9 @@ void BlockWalk::open(const Element* element) {
         const std::string_view joint = delimiter().joint();
         m_path.clear();
         if (m_address.path) m_path.append(m_address.path).append(joint);
-        m_path.append(element->name()).append(joint).append(NumberText(occurrence_of(element)).view());
+        m_path.append(element->name())
+            .append(joint)
+            .append(NumberText(occurrence_of(m_tree, element)).view());
     }
     m_open = true;
     m_sub = open_sub({m_address.env, section(), path()}, m_exact);
@@ -56,14 +58,6 @@ void BlockWalk::close() {
     else if (m_sub->open_subs > 0)
         (void)m_sub.release(); // busy: it stays open with what the callback left open on it
     m_sub.reset();
-}
-
-long BlockWalk::occurrence_of(const Element* element) {
-    if (const ListIndex* index = m_tree.index_of(*element->list)) return index->occurrence_of(element);
-    long occurrence = 1;
-    for (const Element* earlier = element->previous; earlier; earlier = earlier->previous)
-        occurrence += earlier->is_named(element->name(), element->hash);
-    return occurrence;
 }
 
 namespace {

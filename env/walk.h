@@ -33,7 +33,6 @@ class BlockWalk {
     bool over_sections() const { return !m_address.env->is_sub() && !m_address.section; }
     void open(const Element* element);
     void close();
-    long occurrence_of(const Element* element);
 
     const Busy m_busy;
     Tree& m_tree;

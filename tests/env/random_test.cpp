@@ -170,6 +170,7 @@ class Runner {
     void insert() {
         m_last = "insert_before";
         const std::string inserted = !m_place.path                                      ? "V"
+                                     : below(10) == 0                                   ? "7"
                                      : m_place.path_text.find('x') != std::string::npos ? "x"
                                                                                         : name();
         EXPECT_EQ(env_insert_before(handle(), m_place.section, m_place.path, inserted.c_str()),

@@ -293,6 +293,20 @@ TEST(Sink, PassesOverExternalsThatHaveNoPlaceInTheDestination) {
     EXPECT_EQ(written(dst), "");
 }
 
+TEST(Sink, FollowsWhatThePathsOfOddNamesLeadTo) {
+    Messages messages;
+    const Env dst, src;
+    read_text(src, "[S]\na ={\n b =1\n}\nx =2\n7 =3\n[T]\ny =4\n");
+    env_insert_before(src, "S", "x", "a@b");
+    EXPECT_EQ(env_sink(dst, src, 1), ENV_OK); // a@b@1 twice
+    EXPECT_EQ(written(dst), "[S]\n  a ={\n    b =1\n    b =1\n  }\n  x =2\n  7 =3\n[T]\n  y =4\n");
+    EXPECT_EQ(messages.take(), Texts());
+    env_insert_before(src, "S", "7", "@x");
+    EXPECT_EQ(env_delete(src, "S", "a"), ENV_OK);
+    EXPECT_EQ(env_sink(dst, src, 3), ENV_INVALID); // a@b@1 leads nowhere
+    EXPECT_EQ(messages.take(), (Texts{"Nil parametr", "switch error!", "Nil parametr"}));
+}
+
 TEST(Sink, CopiesTextsOf254BytesAndStopsAtLongerOnes) {
     const Env dst, src;
     const std::string longest(254, 't');
