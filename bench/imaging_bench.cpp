@@ -1,24 +1,76 @@
-// Pixel conversions and Base64 against copying the same bytes, on an image of 4000 x 3000 pixels. (The copy's
-// bytes are those of the larger side.)
-#include "bench/bench.h"
+// Pixel conversions on an image of 4000 x 3000 pixels, and a file of 8 MB as Base64.
+#include "bench/copying.h"
 
 #include "bvutil/gdi_bitmaps.h"
+#include "bvutil/gdiplus_services.h"
+#include "bvutil/text_exchange.h"
 #include "imaging/base64.h"
 #include "imaging/pixel_rows.h"
 #include "imaging/raw_pixels.h"
+#include "module/pixel_shuffle.h"
 
 #include <cstdio>
-#include <cstring>
-#include <functional>
 #include <memory>
 
 namespace {
 
 constexpr std::size_t width = 4000, height = 3000, pixels = width * height;
-constexpr int runs = 15;
+constexpr double goal = 1.5;
+
+using Bytes = std::vector<std::uint8_t>;
+
+void show_kernels(const bench::Table& table, bench::Copying& copying, const Bytes& wide,
+                  const Bytes& narrow) {
+    const Bytes palette(1024);
+    constexpr std::uint8_t places[] = {0, 1, 2};
+    constexpr SampleOrder order(places);
+    Bytes out(pixels * 4);
+    const auto compare = [&](const char* name, std::size_t step, std::size_t out_step, double limit,
+                             auto work) {
+        copying.compare(table, name, pixels * (step + out_step), limit, work);
+    };
+    compare("24 to 32 bits", 3, 4, goal, [&] { widen_24(out.data(), narrow.data(), pixels, 0); });
+    compare("  with SSE2 only", 3, 4, 0,
+            [&] { widen_samples(order, out.data(), narrow.data(), pixels, 0, CpuLevel::sse2); });
+    compare("32 to 24 bits", 4, 3, goal, [&] { narrow_32(out.data(), wide.data(), pixels); });
+    compare("  with SSE2 only", 4, 3, 0,
+            [&] { gather_samples(order, wide.data(), out.data(), pixels, CpuLevel::sse2); });
+    compare("8 to 32 bits", 1, 4, 0, [&] { widen_8(out.data(), narrow.data(), pixels, palette.data()); });
+    compare("32 to 32 bits, colour-keyed", 4, 4, goal,
+            [&] { key_white(out.data(), wide.data(), pixels, 255); });
+    compare("24 to 32 bits, colour-keyed", 3, 4, goal,
+            [&] { widen_24_keyed(out.data(), narrow.data(), pixels, 255); });
+}
+
+// Most of their time goes to the system, which finds the pages of the new buffer.
+void show_imports(const bench::Table& table, bench::Copying& copying, const Bytes& wide,
+                  const Bytes& narrow) {
+    const auto new_copy = [&] {
+        const auto copied = std::make_unique_for_overwrite<char[]>(pixels * 4);
+        std::memcpy(copied.get(), wide.data(), pixels * 4);
+        asm volatile("" : : "r"(copied.get()) : "memory"); // or there would be no copy
+    };
+    copying.compare(table, "memcpy of 32 bits into a new buffer", pixels * 8, 0, new_copy);
+    gdiPlusInit();
+    for (const int step : {4, 3}) {
+        const Bytes& from = step == 4 ? wide : narrow;
+        const RawRows rows{from.data(), width, height, static_cast<int>(width) * step, step};
+        const std::size_t traffic = pixels * static_cast<std::size_t>(step + 4);
+        copying.compare(table, step == 4 ? "  keyed, from 32 bits" : "  keyed, from 24 bits", traffic, 0,
+                        [&] {
+                            convert_rows(rows, width * 4, 4, {255, true}, true);
+                        });
+        copying.compare(table, "    and through GDI+: gdiPlusBitmapFromBits", traffic, 0, [&] {
+            BvUtilImage image = nullptr;
+            gdiPlusBitmapFromBits(from.data(), width, height, step, 4, 255, 1, &image);
+            gdiPlusFreeImage(image);
+        });
+    }
+    gdiPlusExit();
+}
 
 // The obvious loop: three bytes, four characters.
-void encode_bytewise(const std::vector<std::uint8_t>& bytes, char* out) {
+void encode_bytewise(const Bytes& bytes, char* out) {
     const char* alphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
     for (std::size_t i = 0; i + 3 <= bytes.size(); i += 3) {
         *out++ = alphabet[bytes[i] >> 2];
@@ -28,62 +80,55 @@ void encode_bytewise(const std::vector<std::uint8_t>& bytes, char* out) {
     }
 }
 
-void show_conversions() {
-    std::vector<std::uint8_t> wide(pixels * 4), narrow(pixels * 3), indices(pixels), palette(1024),
-        out(pixels * 4);
-    for (std::size_t i = 0; i < wide.size(); ++i)
-        wide[i] = static_cast<std::uint8_t>(i * 7 ^ i >> 9);
-    std::copy_n(wide.begin(), narrow.size(), narrow.begin());
-    std::copy_n(wide.begin(), indices.size(), indices.begin());
-    const double copy = bench::median_ms(runs, [&] { std::memcpy(out.data(), wide.data(), wide.size()); });
-    std::printf("memcpy of %zu MB: %.2f ms\n", wide.size() / 1000000, copy);
+constexpr std::size_t file_size = 8000000;
 
-    const auto keyed = [&](const std::vector<std::uint8_t>& from, int step) {
-        const RawRows rows{from.data(), width, height, static_cast<int>(width) * step, step};
-        return convert_rows(rows, width * 4, 4, {255, true}, true);
+void show_base64(const bench::Table& table, const Bytes& image) {
+    const Bytes bytes(image.begin(), image.begin() + file_size);
+    std::vector<char> out(static_cast<std::size_t>(base64_length(file_size))), copied(out);
+    const double copy =
+        bench::median_ms(21, [&] { std::memcpy(copied.data(), out.data(), (file_size + out.size()) / 2); });
+    const auto show = [&](const char* name, bench::Goal limit, auto work) {
+        const double time = bench::median_ms(21, work);
+        table.row(name, file_size / time / 1e6, "GB/s", limit, time, {copy});
     };
-    const struct {
-        const char* name;
-        std::function<void()> work;
-    } cases[] = {
-        {"24 to 32 bits", [&] { widen_24(out.data(), narrow.data(), pixels, 0); }},
-        {"  with SSE2 only", [&] { widen_24(out.data(), narrow.data(), pixels, 0, CpuLevel::sse2); }},
-        {"32 to 24 bits", [&] { narrow_32(out.data(), wide.data(), pixels); }},
-        {"  with SSE2 only", [&] { narrow_32(out.data(), wide.data(), pixels, CpuLevel::sse2); }},
-        {"8 to 32 bits", [&] { widen_8(out.data(), indices.data(), pixels, palette.data()); }},
-        {"white keyed, 32 bits", [&] { key_white(out.data(), wide.data(), pixels, 255); }},
-        {"a copy into a new buffer",
-         [&] {
-             const auto copied = std::make_unique_for_overwrite<char[]>(pixels * 4);
-             std::memcpy(copied.get(), wide.data(), pixels * 4);
-             asm volatile("" : : "r"(copied.get()) : "memory"); // or there would be no copy
-         }},
-        {"  import from 32 bits, with its new buffer", [&] { keyed(wide, 4); }},
-        {"  import from 24 bits, with its new buffer", [&] { keyed(narrow, 3); }},
-    };
-    for (const auto& c : cases) {
-        const double time = bench::median_ms(runs, c.work);
-        std::printf("%-44s %7.2f ms  %5.2f x memcpy\n", c.name, time, time / copy);
-    }
+    show("Base64 of 8 MB, byte by byte", {}, [&] { encode_bytewise(bytes, out.data()); });
+    for (const auto& [name, level] : {std::pair{"  with SSE2 only", CpuLevel::sse2},
+                                      {"  with SSSE3", CpuLevel::ssse3},
+                                      {"  with AVX2", CpuLevel::avx2}})
+        if (level <= cpu_level())
+            show(name, {level == cpu_level() ? 3.0 : 0, true},
+                 [&, level = level] { base64_encode(bytes, out.data(), level); });
 }
 
-void show_base64() {
-    const std::vector<std::uint8_t> bytes(48000000, 0xA7);
-    std::vector<char> out(static_cast<std::size_t>(base64_length(bytes.size())));
-    const auto show = [&](const char* name, auto work) {
-        const double time = bench::median_ms(runs, work);
-        std::printf("%-44s %7.2f ms  %5.2f GB/s\n", name, time,
-                    static_cast<double>(bytes.size()) / time / 1e6);
+void read_file(const char* name, std::vector<char>& to) {
+    std::FILE* file = std::fopen(name, "rb");
+    std::fread(to.data(), 1, file_size, file);
+    std::fclose(file);
+}
+
+// The yardstick reads the file into memory that was touched before, and copies a text of the length.
+void show_file(const Bytes& image) {
+    const char* name = "bench_imaging.bin";
+    std::FILE* file = std::fopen(name, "wb");
+    std::fwrite(image.data(), 1, file_size, file);
+    std::fclose(file);
+    std::vector<char> out(static_cast<std::size_t>(base64_length(file_size))), copied(out);
+    int length = 0;
+    const auto read_and_copy = [&] {
+        read_file(name, copied);
+        std::memcpy(copied.data(), out.data(), out.size());
     };
-    show("Base64, byte by byte", [&] { encode_bytewise(bytes, out.data()); });
-    for (const auto& [name, level] : {std::pair{"Base64, SSE2 only", CpuLevel::sse2},
-                                      {"Base64, SSSE3", CpuLevel::ssse3},
-                                      {"Base64, AVX2", CpuLevel::avx2}})
-        if (level <= cpu_level()) show(name, [&, level = level] { base64_encode(bytes, out.data(), level); });
+    const bench::Table table({"read + copy"});
+    const double yardstick = bench::median_ms(21, read_and_copy);
+    const double time = bench::median_ms(21, read_and_copy, [&] { jpgToXML(name, out.data(), &length, 0); });
+    table.row("jpgToXML of 8 MB", time, "ms", {std::round(200 * yardstick) / 100}, time, {yardstick});
+    const double asking = bench::median_ms(21, [&] { jpgToXML(name, nullptr, &length, 1); });
+    table.row("  its length only", asking, "ms", {}, asking, {yardstick});
+    std::remove(name);
 }
 
 // A disc, and columns of single pixels: few rectangles, and as many as there can be.
-void show_regions() {
+void show_regions(const bench::Table& table) {
     for (const bool disc : {true, false}) {
         BITMAPINFO info{};
         info.bmiHeader = {sizeof info.bmiHeader, width, height, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
@@ -99,7 +144,7 @@ void show_regions() {
             }
         const double time =
             bench::median_ms(3, [&] { DeleteObject(BvUtil_CreateRegionFromBitmap(bitmap, 0xFFFFFF)); });
-        std::printf("%-44s %7.2f ms\n", disc ? "region of a disc" : "region of 400,000 single pixels", time);
+        table.row(disc ? "region of a disc" : "region of 400,000 single pixels", time, "ms", {});
         DeleteObject(bitmap);
     }
 }
@@ -107,7 +152,17 @@ void show_regions() {
 } // namespace
 
 int main() {
-    show_conversions();
-    show_base64();
-    show_regions();
+    Bytes wide(pixels * 4), narrow;
+    for (std::size_t i = 0; i < wide.size(); ++i)
+        wide[i] = static_cast<std::uint8_t>(i * 7 ^ i >> 9);
+    narrow.assign(wide.begin(), wide.begin() + pixels * 3);
+    const bench::Table table({"memcpy"});
+    {
+        bench::Copying copying(pixels * 8);
+        show_kernels(table, copying, wide, narrow);
+        show_imports(table, copying, wide, narrow);
+    }
+    show_base64(table, wide);
+    show_regions(table);
+    show_file(wide);
 }

@@ -1,6 +1,6 @@
 #include "filterhost/pixel_exchange.h"
 
-#include "filterhost/pixel_rows.h"
+#include "module/pixel_shuffle.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -11,7 +11,7 @@
 namespace {
 
 constexpr std::size_t pixel_bytes = 4;
-constexpr std::size_t byte_of_plane[] = {2, 1, 0, 3};
+constexpr std::uint8_t byte_of_plane[] = {2, 1, 0, 3};
 constexpr int last_plane = 3;
 
 int columns(const ps::Rect& rect) {
@@ -25,28 +25,33 @@ int planes(const Tile& tile) {
 template <class Byte>
 std::span<Byte> clip_row(const BasicImage<Byte>& image, const Tile& tile, int y) {
     const std::int64_t row_start = std::int64_t{y} * image.row_bytes;
-    const std::int64_t bytes_left = static_cast<std::int64_t>(image.bytes.size()) - row_start;
-    if (row_start < 0 || bytes_left <= 0) return {};
-    const std::int64_t pixels_in_row = std::min<std::int64_t>(image.width, bytes_left / pixel_bytes);
-    const std::int64_t right = std::min<std::int64_t>(tile.rect.right, pixels_in_row);
-    const std::int64_t left = std::max<std::int64_t>(tile.rect.left, 0);
+    if (row_start < 0 || row_start >= static_cast<std::int64_t>(image.bytes.size())) return {};
+    const std::span<Byte> rest = image.bytes.subspan(static_cast<std::size_t>(row_start));
+    const auto left = static_cast<std::size_t>(std::max<int>(tile.rect.left, 0));
+    const auto image_right =
+        static_cast<std::size_t>(std::max(std::min<int>(tile.rect.right, image.width), 0));
+    const std::size_t right = std::min(image_right, rest.size() / pixel_bytes);
     if (left >= right) return {};
-    return image.bytes.subspan(static_cast<std::size_t>(row_start + left * pixel_bytes),
-                               static_cast<std::size_t>((right - left) * pixel_bytes));
+    return rest.subspan(left * pixel_bytes, (right - left) * pixel_bytes);
 }
 
-// The rows of a tile lie far apart in the image, where the processor does not foresee them.
-constexpr int rows_ahead = 8;
-constexpr std::size_t cache_line = 64;
+// The rows of a tile lie far apart in the image, where the processor does not foresee them. While it works on
+// a piece of a row, it is told of the same piece of a row below: about 8 KB of the tile's pixels ahead.
+constexpr std::size_t piece_bytes = 1024, bytes_ahead = 8 * 1024;
+constexpr int most_rows_ahead = 16;
+constexpr std::uintptr_t cache_line = 64;
 
 template <class Byte>
-void prefetch(std::span<Byte> row) {
-    for (std::size_t i = 0; i < row.size(); i += cache_line)
-        __builtin_prefetch(row.data() + i, std::is_const_v<Byte> ? 0 : 1);
+void prefetch(std::span<Byte> row, std::size_t first) {
+    if (first >= row.size()) return;
+    const auto start = reinterpret_cast<std::uintptr_t>(row.data());
+    const std::uintptr_t end = start + std::min(first + piece_bytes, row.size());
+    for (std::uintptr_t line = (start + first) / cache_line * cache_line; line < end; line += cache_line)
+        __builtin_prefetch(reinterpret_cast<const void*>(line), std::is_const_v<Byte> ? 0 : 1);
 }
 
-// Calls row_function(pixels, samples, count) for every row of the tile that has pixels in the image. The
-// tile's buffer has a size, so its planes are at least none.
+// Calls row_function(pixels, samples, count) for all pixels of the tile that are in the image, some of a row
+// at a time. The tile's buffer has a size, so its planes are at least none.
 template <class Byte, class Sample, class RowFunction>
 void for_each_row(const BasicImage<Byte>& image, const Tile& tile, Sample* buffer, RowFunction row_function) {
     const int top = std::max<int>(tile.rect.top, 0);
@@ -55,13 +60,21 @@ void for_each_row(const BasicImage<Byte>& image, const Tile& tile, Sample* buffe
     // size.
     if (top >= bottom || tile.rect.right <= 0) return;
     const int samples_left_out = (std::max<int>(tile.rect.left, 0) - tile.rect.left) * planes(tile);
+    const auto row_size = std::max<std::size_t>(clip_row(image, tile, top).size(), 1);
+    const int rows_ahead = std::clamp(static_cast<int>(bytes_ahead / row_size), 1, most_rows_ahead);
+    for (int y = top; y < std::min(top + rows_ahead, bottom); ++y)
+        prefetch(clip_row(image, tile, y), 0);
     for (int y = top; y < bottom; ++y) {
-        if (y + rows_ahead < bottom) prefetch(clip_row(image, tile, y + rows_ahead));
         const std::span<Byte> row = clip_row(image, tile, y);
-        if (row.empty()) continue;
-        Sample* const samples =
-            buffer + std::ptrdiff_t{y - tile.rect.top} * tile.row_bytes + samples_left_out;
-        row_function(row.data(), samples, row.size() / pixel_bytes);
+        const std::span<Byte> below =
+            y + rows_ahead < bottom ? clip_row(image, tile, y + rows_ahead) : std::span<Byte>();
+        Sample* samples = buffer + std::ptrdiff_t{y - tile.rect.top} * tile.row_bytes + samples_left_out;
+        for (std::size_t at = 0; at < row.size(); at += piece_bytes) {
+            prefetch(below, at);
+            const std::size_t count = std::min(piece_bytes, row.size() - at) / pixel_bytes;
+            row_function(row.data() + at, samples, count);
+            samples += static_cast<int>(count) * planes(tile);
+        }
     }
 }
 
@@ -81,8 +94,10 @@ void for_each_sample(const BasicImage<Byte>& image, const Tile& tile, Sample* bu
     });
 }
 
-bool covers_planes(const Tile& tile, int lo, int hi) {
-    return tile.lo_plane == lo && tile.hi_plane == hi;
+// The order of samples in tiles whose planes all exist.
+std::optional<SampleOrder> sample_order(const Tile& tile) {
+    if (tile.lo_plane < 0 || tile.hi_plane > last_plane || tile.lo_plane > tile.hi_plane) return std::nullopt;
+    return SampleOrder({byte_of_plane + tile.lo_plane, byte_of_plane + tile.hi_plane + 1});
 }
 
 } // namespace
@@ -101,24 +116,22 @@ std::optional<std::size_t> Tile::buffer_size() const {
 }
 
 void gather(const ConstImage& image, const Tile& tile, std::byte* buffer) {
-    if (covers_planes(tile, 0, 2))
-        for_each_row(image, tile, buffer, gather_rgb);
-    else if (covers_planes(tile, 0, 3))
-        for_each_row(image, tile, buffer, [](const std::byte* pixels, std::byte* samples, std::size_t count) {
-            exchange_red_and_blue(pixels, samples, count);
-        });
+    if (const auto order = sample_order(tile))
+        for_each_row(image, tile, buffer,
+                     [&](const std::byte* pixels, std::byte* samples, std::size_t count) {
+                         gather_samples(*order, pixels, samples, count);
+                     });
     else
         for_each_sample(image, tile, buffer,
                         [](const std::byte& pixel, std::byte& sample) { sample = pixel; });
 }
 
 void write_back(const Image& image, const Tile& tile, const std::byte* buffer) {
-    if (covers_planes(tile, 0, 2))
-        for_each_row(image, tile, buffer, write_back_rgb);
-    else if (covers_planes(tile, 0, 3))
-        for_each_row(image, tile, buffer, [](std::byte* pixels, const std::byte* samples, std::size_t count) {
-            exchange_red_and_blue(samples, pixels, count);
-        });
+    if (const auto order = sample_order(tile))
+        for_each_row(image, tile, buffer,
+                     [&](std::byte* pixels, const std::byte* samples, std::size_t count) {
+                         write_samples(*order, pixels, samples, count);
+                     });
     else
         for_each_sample(image, tile, buffer,
                         [](std::byte& pixel, const std::byte& sample) { pixel = sample; });

@@ -1,7 +1,7 @@
 // Base64 encoding with the standard alphabet and padding, without line breaks.
 #pragma once
 
-#include "imaging/cpu_level.h"
+#include "module/cpu_level.h"
 
 #include <cstddef>
 #include <cstdint>

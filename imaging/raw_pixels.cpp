@@ -33,15 +33,10 @@ std::size_t convert_whole_pixels(std::span<std::uint8_t> to, std::span<const std
             narrow_32(to.data(), from.data(), pixels);
         return pixels;
     }
-    const std::uint8_t* source = from.data();
-    if (format.source_step == 3) {
-        widen_24(to.data(), source, pixels, value);
-        source = to.data();
-    }
-    if (key)
-        key_white(to.data(), source, pixels, value);
-    else if (format.source_step == 4)
-        set_fourth(to.data(), source, pixels, value);
+    if (format.source_step == 3)
+        (key ? widen_24_keyed : widen_24)(to.data(), from.data(), pixels, value);
+    else
+        (key ? key_white : set_fourth)(to.data(), from.data(), pixels, value);
     return pixels;
 }
 
