@@ -2,25 +2,16 @@
 
 #include "imaging/base64_kernels.h"
 
-#include <array>
 #include <cstring>
 
 namespace {
 
 constexpr char alphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 
-// The two characters of every 12-bit value.
-constexpr auto pairs = [] {
-    std::array<std::array<char, 2>, 4096> table{};
-    for (std::size_t value = 0; value < table.size(); ++value)
-        table[value] = {alphabet[value >> 6], alphabet[value & 63]};
-    return table;
-}();
-
 void encode_group(const std::uint8_t* from, char* to) {
     const unsigned bits = from[0] * 0x10000u + from[1] * 0x100u + from[2];
-    std::memcpy(to, pairs[bits >> 12].data(), 2);
-    std::memcpy(to + 2, pairs[bits & 0xFFF].data(), 2);
+    for (int i = 0; i < 4; ++i)
+        to[i] = alphabet[bits >> (18 - 6 * i) & 63];
 }
 
 std::size_t encode_vectors(std::span<const std::uint8_t> bytes, char* out, CpuLevel level) {
@@ -30,7 +21,7 @@ std::size_t encode_vectors(std::span<const std::uint8_t> bytes, char* out, CpuLe
     case CpuLevel::ssse3:
         return base64_encode_ssse3(bytes.data(), bytes.size(), out);
     default:
-        return 0;
+        return base64_encode_sse2(bytes.data(), bytes.size(), out);
     }
 }
 

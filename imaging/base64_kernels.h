@@ -5,5 +5,6 @@
 #include <cstddef>
 #include <cstdint>
 
+std::size_t base64_encode_sse2(const std::uint8_t* from, std::size_t size, char* to);
 std::size_t base64_encode_ssse3(const std::uint8_t* from, std::size_t size, char* to);
 std::size_t base64_encode_avx2(const std::uint8_t* from, std::size_t size, char* to);
