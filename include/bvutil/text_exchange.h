@@ -43,10 +43,11 @@ BVUTIL_API int BVUTIL_CALL ConvertToUTF8(const char* text, char* out);
  *                     (This is the interface's rule: the last of n characters is never copied.) Not used with
  *                     @p lengthOnly; may then be null.
  *  @param length      Receives, with @p lengthOnly, the number of characters, four for each three bytes
- * begun: 0 for an empty file. Else it is not used and may be null.
+ *                     begun: 0 for an empty file. Else it is not used and may be null.
  *  @param lengthOnly  Not 0: only the length is wanted.
  *  @return 1. 0, with nothing written, when an argument that is needed is null, when the file cannot be
- * opened or read to its end, when memory for it runs out, and when the length exceeds an int.
+ *          opened or read to its end, when memory runs out, and when the length exceeds an int. 0, with a
+ * part of the text written, when another program cuts the file during the call.
  */
 BVUTIL_API int BVUTIL_CALL jpgToXML(const char* path, char* out, int* length, int lengthOnly);
 

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <wincrypt.h>
 
 namespace {
 
@@ -88,6 +89,42 @@ TEST(TextExchange, GivesAFileAsBase64WithoutItsLastCharacter) {
         EXPECT_EQ(out, c.text.substr(0, copied) + std::string(out.size() - copied, '#'));
         EXPECT_EQ(length, -1);
     }
+}
+
+// Sizes around those of the pieces that a file is read in; the platform decodes.
+TEST(TextExchange, GivesLargeFilesWhole) {
+    TempDir dir;
+    const std::string path = dir.file("large.bin");
+    for (const DWORD size : {196607u, 196608u, 196609u, 393216u, 1000000u}) {
+        std::string bytes(size, '\0');
+        for (DWORD i = 0; i + 1 < size; ++i)
+            bytes[i] = static_cast<char>(i * 7 + i / 256 + i / 65536);
+        write_file(path, bytes);
+        int length = 0;
+        ASSERT_EQ(jpgToXML(path.c_str(), nullptr, &length, 1), 1);
+        ASSERT_EQ(length, static_cast<int>((size + 2) / 3 * 4));
+        std::string text(static_cast<std::size_t>(length), '#');
+        ASSERT_EQ(jpgToXML(path.c_str(), text.data(), nullptr, 0), 1);
+        ASSERT_EQ(text.back(), '#');
+        text.back() = size % 3 ? '=' : 'A'; // the last byte is 0
+        std::string decoded(size, '#');
+        DWORD count = size;
+        EXPECT_TRUE(CryptStringToBinaryA(text.data(), static_cast<DWORD>(text.size()), CRYPT_STRING_BASE64,
+                                         reinterpret_cast<BYTE*>(decoded.data()), &count, nullptr, nullptr));
+        EXPECT_TRUE(decoded == bytes) << size;
+    }
+}
+
+// A file of the system that says it has 4096 bytes and gives fewer.
+TEST(TextExchange, WritesNothingOfAFileThatEndsEarly) {
+    const char* path = "Z:\\sys\\devices\\system\\cpu\\online";
+    if (GetFileAttributesA(path) == INVALID_FILE_ATTRIBUTES) GTEST_SKIP() << "no such file here";
+    std::string out(6000, '#');
+    int length = -1;
+    EXPECT_EQ(jpgToXML(path, nullptr, &length, 1), 0);
+    EXPECT_EQ(length, -1);
+    EXPECT_EQ(jpgToXML(path, out.data(), nullptr, 0), 0);
+    EXPECT_EQ(out, std::string(6000, '#'));
 }
 
 TEST(TextExchange, RefusesWhatItCannotRead) {
