@@ -2,7 +2,7 @@
 JOBS ?= $(shell nproc)
 SECONDS ?= 60
 
-.PHONY: all setup dll demo test bench fuzz format check-format clean
+.PHONY: all setup dll demo test bench fuzz dist format check-format clean
 all: dll
 
 setup:
@@ -30,6 +30,12 @@ test: dll build/core-asan/build.ninja
 	@mkdir -p build/test
 	@printf 'subdirs("%s" "%s")\n' "$(CURDIR)/build/core-asan" "$(CURDIR)/build/dll" >build/test/CTestTestfile.cmake
 	@ctest --test-dir build/test --output-on-failure -j $(JOBS)
+
+dist: dll
+	@cmake/setup.sh dist
+	@cmake/run-wine.sh --prefix
+	@cmake/dist.sh
+	@tests/package/check.sh
 
 bench: dll
 	@bench/run.sh

@@ -11,6 +11,10 @@ document=$(realpath "$1")
 shift
 [ $# -gt 0 ] || set -- "$root/build/dll" "$root/build/dll/samples"
 folders=("$@")
+product=$root/build/dll
+for folder; do
+    [ ! -e "$folder/bvutil.exe" ] || product=$folder
+done
 
 command_not_found_handle() {
     local folder
@@ -29,7 +33,7 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 prepare() {
     cp "$root"/samples/{settings/*.env,profiles/*,terrain/survey.csv} . &&
-        cp "$root"/build/dll/{filters/*.8bf,BvCalc.dll} . &&
+        cp "$product"/{filters/*.8bf,BvCalc.dll} . &&
         mkdir -p pictures/filtered pictures/small &&
         "$root/cmake/run-wine.sh" "$root/build/dll/samples/badge.exe" badge.bmp pattern.bmp &&
         "$root/cmake/run-wine.sh" "$root/build/dll/samples/landscape.exe" landscape.bmp &&
