@@ -8,7 +8,7 @@ name=BvUtil-$version
 stage=build/stage
 zip=$PWD/build/$name-win32.zip
 
-rm -rf "$stage" "$zip"
+rm -rf "$stage" build/BvUtil-*-win32.zip
 cmake --install build/dll --prefix "$stage/$name" >/dev/null
 time=$(git log -1 --format=%ct 2>/dev/null || echo 315532800)
 find "$stage" -exec touch -h -d "@$time" {} +

@@ -13,6 +13,9 @@
 #ifndef BVUTIL_API_H
 #define BVUTIL_API_H
 
+/** @addtogroup conventions
+ *  @{ */
+
 #if !defined(_WIN32)
 #define BVUTIL_API
 #define BVUTIL_CALL
@@ -31,7 +34,9 @@
 #endif
 
 #ifdef __cplusplus
+/** Declarations with C linkage, in either language, begin here ... */
 #define BVUTIL_BEGIN_C extern "C" {
+/** ... and end here. */
 #define BVUTIL_END_C }
 #else
 #define BVUTIL_BEGIN_C
@@ -40,5 +45,7 @@
 
 /** One byte: 0 is false, anything else is true. */
 typedef unsigned char BvUtilBool;
+
+/** @} */
 
 #endif

@@ -2,14 +2,6 @@
  *  A bitmap object that reads BMP images of 8 bits per pixel and more, holds them with 32, draws them, and
  *  writes them as BMP files of 24 bits per pixel.
  *
- *  @code
- *  CBitmapEx* bitmap;
- *  if (bmpExInit(&bitmap)) {
- *      bmpExLoad(bitmap, "logo.bmp");
- *      bmpExDraw2(bitmap, dc, 0, 0, 64, 64);
- *  }
- *  @endcode
- *
  *  Every function returns 0 for a null object and 1 otherwise, whatever happened inside: what was loaded
  * shows in what is drawn. An object is used by one thread at a time. There is no function that releases one:
  * objects live until the process ends, each with the pixels of its last image, so keep one and load into it
@@ -34,6 +26,9 @@
 #include "bvutil/api.h"
 
 #include <windows.h>
+
+/** @addtogroup pictures
+ *  @{ */
 
 BVUTIL_BEGIN_C
 
@@ -113,5 +108,7 @@ BVUTIL_API int BVUTIL_CALL bmpExSave(CBitmapEx* bitmap, HBITMAP* handle);
 BVUTIL_API int BVUTIL_CALL bmpExSaveToFile(CBitmapEx* bitmap, const char* path);
 
 BVUTIL_END_C
+
+/** @} */
 
 #endif

@@ -20,6 +20,9 @@
 
 #include "bvutil/api.h"
 
+/** @addtogroup calculator
+ *  @{ */
+
 BVUTIL_BEGIN_C
 
 /** Result codes of the conversions. All others are the calculator's own. */
@@ -61,5 +64,7 @@ BVUTIL_API int BVUTIL_CALL ConvDoubleToString(double value, int option1, int opt
                                               char* text);
 
 BVUTIL_END_C
+
+/** @} */
 
 #endif

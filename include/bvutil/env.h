@@ -38,6 +38,9 @@
 
 #include "bvutil/api.h"
 
+/** @addtogroup env
+ *  @{ */
+
 BVUTIL_BEGIN_C
 
 /** An environment or a sub-environment; made by env_open(), env_open_subenv() and env_create_subenv(),
@@ -358,5 +361,7 @@ BVUTIL_API EnvStatus BVUTIL_CALL env_copy_block(EnvHandle dst, EnvHandle src, co
 /** @} */
 
 BVUTIL_END_C
+
+/** @} */
 
 #endif

@@ -3,18 +3,7 @@
  *
  *  A plug-in is a 32-bit DLL with a property list resource ("PIPL") that names its category, its menu entry
  *  and its entry point. AVGetPSFilterAndInfo() opens one, AVApplyPSFilter() runs it over an image any number
- *  of times, and AVFreeGotPSFilter() closes it:
- *
- *  @code
- *  char *category, *name;
- *  PSFilter_* filter;
- *  int error;
- *  if (AVGetPSFilterAndInfo("sharpen.8bf", &category, &name, &filter, &error)) {
- *      ...
- *      AVFreeGotPSFilterInfo(&category, &name);
- *      AVFreeGotPSFilter(&filter);
- *  }
- *  @endcode
+ *  of times, and AVFreeGotPSFilter() closes it, as samples/cpp/batch_filter.cpp does.
  *
  *  Every function returns a #BvUtilBool, 1 or 0. A plug-in is foreign code in the caller's process: what it
  *  does while it is loaded or called, this library cannot contain. Its file, its property lists and the
@@ -24,6 +13,9 @@
 #define BVUTIL_FILTER_HOST_H
 
 #include "bvutil/api.h"
+
+/** @addtogroup filter_host
+ *  @{ */
 
 BVUTIL_BEGIN_C
 
@@ -122,5 +114,7 @@ BVUTIL_API BvUtilBool BVUTIL_CALL AVPSFilterCanDoLastFilter(PSFilter_* filter, B
 BVUTIL_API BvUtilBool BVUTIL_CALL AVFreeGotPSFilterImage(void** image);
 
 BVUTIL_END_C
+
+/** @} */
 
 #endif

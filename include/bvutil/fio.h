@@ -13,6 +13,9 @@
 #include <stddef.h>
 #include <stdio.h>
 
+/** @addtogroup fio
+ *  @{ */
+
 BVUTIL_BEGIN_C
 
 /** Mode of fio_open(): exactly one of read, write and append, with any of the others added. */
@@ -100,5 +103,7 @@ BVUTIL_API int BVUTIL_CALL fio_seek(FioFile* h, long offset, int origin);
 BVUTIL_API long BVUTIL_CALL fio_tell(FioFile* h);
 
 BVUTIL_END_C
+
+/** @} */
 
 #endif

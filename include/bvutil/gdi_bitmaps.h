@@ -11,6 +11,9 @@
 
 #include <windows.h>
 
+/** @addtogroup pictures
+ *  @{ */
+
 BVUTIL_BEGIN_C
 
 /** Makes a region of all pixels of a bitmap that do not have the transparent colour.
@@ -53,5 +56,7 @@ BVUTIL_API int BVUTIL_CALL BvUtil_DrawTransparentBitmap(HDC target, HBITMAP bitm
                                                         COLORREF transparentColor);
 
 BVUTIL_END_C
+
+/** @} */
 
 #endif

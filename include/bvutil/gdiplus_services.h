@@ -29,14 +29,18 @@
 
 #include <windows.h>
 
-/** An image handle and a graphics handle. */
+/** @addtogroup pictures
+ *  @{ */
+
 #ifdef __cplusplus
 namespace Gdiplus {
 class Image;
 class Bitmap;
 class Graphics;
 } // namespace Gdiplus
+/** An image handle. */
 typedef Gdiplus::Bitmap* BvUtilImage;
+/** A graphics handle. */
 typedef Gdiplus::Graphics* BvUtilGraphics;
 #else
 typedef struct BvUtilImageObject* BvUtilImage;
@@ -243,5 +247,7 @@ BVUTIL_END_C
 BVUTIL_API int BVUTIL_CALL gdiPlusPrintImage(Gdiplus::Image* image, HDC target, int x, int y, float scaleX,
                                              float scaleY);
 #endif
+
+/** @} */
 
 #endif

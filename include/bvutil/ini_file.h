@@ -25,6 +25,9 @@
 
 #include <string>
 
+/** @addtogroup profiles
+ *  @{ */
+
 /** What a missing section or key reads as. A value that is literally this text cannot be told from it. */
 #define BVUTIL_INI_MISSING "_TheDefault_"
 
@@ -38,7 +41,9 @@ class BVUTIL_API CBvIniFile {
     /** @param file   Path of the profile file. It is neither opened nor checked.
      *  @param flags  Kept and copied; no operation uses them. */
     CBvIniFile(const std::string& file, unsigned int flags);
+    /** Copies path and flags. */
     CBvIniFile(const CBvIniFile& other);
+    /** Copies path and flags. */
     CBvIniFile& operator=(const CBvIniFile& other);
     virtual ~CBvIniFile();
 
@@ -66,14 +71,20 @@ class BVUTIL_API CBvIniFile {
 
     /** @name The same for the profile file @p file
      *  @{ */
+    /** ReadString() */
     static std::string FileReadString(const std::string& file, const std::string& section,
                                       const std::string& key);
+    /** ReadInt() */
     static int FileReadInt(const std::string& file, const std::string& section, const std::string& key);
+    /** ReadDouble() */
     static double FileReadDouble(const std::string& file, const std::string& section, const std::string& key);
+    /** WriteString() */
     static bool FileWriteString(const std::string& file, const std::string& section, const std::string& key,
                                 const std::string& value);
+    /** WriteInt() */
     static bool FileWriteInt(const std::string& file, const std::string& section, const std::string& key,
                              int value);
+    /** WriteDouble() */
     static bool FileWriteDouble(const std::string& file, const std::string& section, const std::string& key,
                                 double value);
     /** @} */
@@ -82,5 +93,7 @@ class BVUTIL_API CBvIniFile {
     std::string m_file;
     unsigned int m_flags = 0;
 };
+
+/** @} */
 
 #endif

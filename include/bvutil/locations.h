@@ -18,10 +18,13 @@
 
 #include "bvutil/api.h"
 
+/** @addtogroup locations
+ *  @{ */
+
 BVUTIL_BEGIN_C
 
-/** Size in bytes of the buffers for paths, the terminating zero included. */
-enum { BVUTIL_PATH_SIZE = 260 };
+/** Buffers for paths. */
+enum { BVUTIL_PATH_SIZE = 260 /**< Size in bytes, the terminating zero included. */ };
 
 /** Tells the version of the operating system, as the platform reports it to programs without a manifest.
  *  @param major,minor  Receive the version numbers.
@@ -103,5 +106,7 @@ BVUTIL_API int BVUTIL_CALL BvUtil_MB_IniReadString(const char* iniFile, const ch
 BVUTIL_API int BVUTIL_CALL BvUtil_ExecuteProgram(const char* program, const char* argument);
 
 BVUTIL_END_C
+
+/** @} */
 
 #endif

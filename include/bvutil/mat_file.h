@@ -39,6 +39,9 @@
 #include <cstddef>
 #include <string>
 
+/** @addtogroup profiles
+ *  @{ */
+
 /** A material's numbers. The shading constants derive from the exponent e; they are single-precision results
  *  and 0 when e is not above 0.1. */
 struct matTyp {
@@ -71,7 +74,9 @@ class BVUTIL_API CBvMatFile {
     CBvMatFile();
     /** Read() of @p path; IsLoaded() tells the result. */
     CBvMatFile(const std::string& path);
+    /** Copies all of it. */
     CBvMatFile(const CBvMatFile& other);
+    /** Copies all of it. */
     CBvMatFile& operator=(const CBvMatFile& other);
     virtual ~CBvMatFile();
 
@@ -125,5 +130,7 @@ class BVUTIL_API CBvMatFile {
     std::string m_path;
     matTyp m_material = {};
 };
+
+/** @} */
 
 #endif

@@ -6,13 +6,16 @@
 
 #include "bvutil/api.h"
 
+/** @addtogroup messages
+ *  @{ */
+
 BVUTIL_BEGIN_C
 
 /** Tells the user something: one line in the log file when logging is on and a log is open, else a modal
  *  message box, which this call waits for.
  *
  *  The text is @p text1, @p text2 and @p text3 one after the other without separators. A log line is
- *  "<month day, year, hour:minute> :: <text> in "<sourceFile>" line <line>", flushed at once. The box
+ *  `<month day, year, hour:minute> :: <text> in "<sourceFile>" line <line>`, flushed at once. The box
  *  belongs to the window with the keyboard focus and is titled `MESSAGE in "<sourceFile>" line <line>:`,
  *  or `MESSAGE` without a source file.
  *
@@ -39,5 +42,7 @@ BVUTIL_API void BVUTIL_CALL BvUtil_SetWriteToLogfile(int enable, const char* log
 BVUTIL_API int BVUTIL_CALL BvUtil_GetWriteToLogfile(void);
 
 BVUTIL_END_C
+
+/** @} */
 
 #endif

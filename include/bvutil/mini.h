@@ -22,6 +22,9 @@
 
 #include <stddef.h>
 
+/** @addtogroup profiles
+ *  @{ */
+
 BVUTIL_BEGIN_C
 
 /** A profile file, opened by mini_open() or mini_open_ex(); closed by mini_close(). */
@@ -31,8 +34,8 @@ typedef class CBvIniFile* MiniHandle;
 typedef struct CBvIniFile* MiniHandle;
 #endif
 
-/** Flag of mini_open(): for reading only. Writes through such a handle are not prevented. */
-enum { MINI_READONLY = 0x04 };
+/** Flags of mini_open(). */
+enum { MINI_READONLY = 0x04 /**< For reading only. Writes through such a handle are not prevented. */ };
 
 /** @name Drawing records
  *  Stored as lists of numbers, in the order of their fields; a colour takes three, red, green and blue of 0
@@ -41,45 +44,45 @@ enum { MINI_READONLY = 0x04 };
 
 /** A GUID in the platform's layout. */
 typedef struct MiniGuid {
-    unsigned int data1;
-    unsigned short data2;
-    unsigned short data3;
-    unsigned char data4[8];
+    unsigned int data1;     /**< The first 8 digits of its text. */
+    unsigned short data2;   /**< The next 4. */
+    unsigned short data3;   /**< The next 4. */
+    unsigned char data4[8]; /**< The last 16, two to a byte. */
 } MiniGuid;
 
 #pragma pack(push, 1)
 /** Fill style: 10 numbers. */
 typedef struct MiniFillStyle {
-    unsigned char type;
-    unsigned int value1;
-    unsigned int color1;
-    unsigned char value2;
-    unsigned int color2;
-    unsigned char value3;
+    unsigned char type;   /**< Number 1 of the list. */
+    unsigned int value1;  /**< Number 2. */
+    unsigned int color1;  /**< Numbers 3 to 5. */
+    unsigned char value2; /**< Number 6. */
+    unsigned int color2;  /**< Numbers 7 to 9. */
+    unsigned char value3; /**< Number 10. */
 } MiniFillStyle;
 
 /** Fill style with a GUID, which has a key of its own: the key followed by "GUID". */
 typedef struct MiniFillStyleEx {
-    MiniFillStyle fill;
-    MiniGuid guid;
+    MiniFillStyle fill; /**< The list of numbers. */
+    MiniGuid guid;      /**< In braces, under the key of its own. */
 } MiniFillStyleEx;
 #pragma pack(pop)
 
 /** Pen style: 5 numbers. */
 typedef struct MiniPenStyle {
-    int style;
-    float width;
-    unsigned int color;
+    int style;          /**< Number 1 of the list. */
+    float width;        /**< Number 2. */
+    unsigned int color; /**< Numbers 3 to 5. */
 } MiniPenStyle;
 
 /** Texture properties: 13 numbers. The flags are 0 or 1. */
 typedef struct MiniTexProps {
-    int enabled;
-    float values[8];
-    int flag1;
-    int flag2;
-    float value9;
-    float value10;
+    int enabled;     /**< Number 1 of the list, 0 or 1. */
+    float values[8]; /**< Numbers 2 to 9. */
+    int flag1;       /**< Number 10. */
+    int flag2;       /**< Number 11. */
+    float value9;    /**< Number 12. */
+    float value10;   /**< Number 13. */
 } MiniTexProps;
 
 #ifdef __cplusplus
@@ -175,8 +178,10 @@ BVUTIL_API int BVUTIL_CALL mini_write_doubles(MiniHandle h, const char* section,
  *  numbers to five decimals, with BvUtil_PRound().
  *  @{ */
 
+/** Reads a fill style. */
 BVUTIL_API int BVUTIL_CALL mini_read_fillstyle(MiniHandle h, const char* section, const char* key,
                                                MiniFillStyle* fill);
+/** Writes a fill style. */
 BVUTIL_API int BVUTIL_CALL mini_write_fillstyle(MiniHandle h, const char* section, const char* key,
                                                 const MiniFillStyle* fill);
 
@@ -189,8 +194,10 @@ BVUTIL_API int BVUTIL_CALL mini_read_fillstyle_ex(MiniHandle h, const char* sect
 BVUTIL_API int BVUTIL_CALL mini_write_fillstyle_ex(MiniHandle h, const char* section, const char* key,
                                                    const MiniFillStyleEx* fill);
 
+/** Reads a pen style. */
 BVUTIL_API int BVUTIL_CALL mini_read_penstyle(MiniHandle h, const char* section, const char* key,
                                               MiniPenStyle* pen);
+/** Writes a pen style. */
 BVUTIL_API int BVUTIL_CALL mini_write_penstyle(MiniHandle h, const char* section, const char* key,
                                                const MiniPenStyle* pen);
 /** As mini_write_penstyle(), but each part of the colour is divided by 255 before it is rounded: it is
@@ -198,13 +205,17 @@ BVUTIL_API int BVUTIL_CALL mini_write_penstyle(MiniHandle h, const char* section
 BVUTIL_API int BVUTIL_CALL mini_write_penstyleEX(MiniHandle h, const char* section, const char* key,
                                                  const MiniPenStyle* pen);
 
+/** Reads texture properties. */
 BVUTIL_API int BVUTIL_CALL mini_read_texprops(MiniHandle h, const char* section, const char* key,
                                               MiniTexProps* texture);
+/** Writes texture properties. */
 BVUTIL_API int BVUTIL_CALL mini_write_texprops(MiniHandle h, const char* section, const char* key,
                                                const MiniTexProps* texture);
 
 /** @} */
 
 BVUTIL_END_C
+
+/** @} */
 
 #endif

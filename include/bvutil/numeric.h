@@ -9,6 +9,9 @@
 
 #include "bvutil/api.h"
 
+/** @addtogroup numeric
+ *  @{ */
+
 BVUTIL_BEGIN_C
 
 /** Rounds to a multiple of a power of ten: floor(x / q + 0.5) * q with q the double nearest to 10 to the
@@ -49,5 +52,7 @@ BVUTIL_API float BVUTIL_CALL fdiv(float a, float b);
 BVUTIL_API double BVUTIL_CALL fsgn(double x);
 
 BVUTIL_END_C
+
+/** @} */
 
 #endif

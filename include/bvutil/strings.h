@@ -18,6 +18,9 @@
 #include <stddef.h>
 #include <stdio.h>
 
+/** @addtogroup strings
+ *  @{ */
+
 BVUTIL_BEGIN_C
 
 /** @name Paths
@@ -25,7 +28,11 @@ BVUTIL_BEGIN_C
  *  @{ */
 
 /** Sizes of the buffers of BvUtil_Divide(), the terminating zero included. */
-enum { BVUTIL_DRIVE_SIZE = 3, BVUTIL_DIR_SIZE = 256, BVUTIL_NAME_SIZE = 256 };
+enum {
+    BVUTIL_DRIVE_SIZE = 3, /**< For the drive. */
+    BVUTIL_DIR_SIZE = 256, /**< For the directory. */
+    BVUTIL_NAME_SIZE = 256 /**< For the name. */
+};
 
 /** Splits a path: `C:\data\a.b.ini` into `C:`, `\data\` and `a.b.ini`. The three parts, one after the other,
  *  are the path again. The name is what follows the last separator, so `..` and `.ini` are names, and a path
@@ -95,12 +102,12 @@ BVUTIL_API int BVUTIL_CALL BvUtil_PutString(FILE* stream, const char* text, int 
 
 /** Flags of BvUtilEntry::attributes. An entry is a file or a directory; the others are added. */
 enum {
-    BVUTIL_ENTRY_FILE = 0x001,
-    BVUTIL_ENTRY_DIRECTORY = 0x002,
-    BVUTIL_ENTRY_READONLY = 0x008,
-    BVUTIL_ENTRY_HIDDEN = 0x040,
-    BVUTIL_ENTRY_SYSTEM = 0x080,
-    BVUTIL_ENTRY_ARCHIVE = 0x200
+    BVUTIL_ENTRY_FILE = 0x001,      /**< A file. */
+    BVUTIL_ENTRY_DIRECTORY = 0x002, /**< A directory. */
+    BVUTIL_ENTRY_READONLY = 0x008,  /**< It cannot be written. */
+    BVUTIL_ENTRY_HIDDEN = 0x040,    /**< Listings usually leave it out. */
+    BVUTIL_ENTRY_SYSTEM = 0x080,    /**< It belongs to the system. */
+    BVUTIL_ENTRY_ARCHIVE = 0x200    /**< Changed since it was last archived. */
 };
 
 /** BvUtilEntry::modified of an entry without a usable time: 1979-12-31 23:00 UTC. */
@@ -124,7 +131,7 @@ static_assert(offsetof(BvUtilEntry, attributes) == 256 && offsetof(BvUtilEntry, 
 _Static_assert(sizeof(BvUtilEntry) == 272, "callers step through the entries by 272 bytes");
 #endif
 
-/** Lists what a directory holds, in the order in which the system delivers it; `.` and `..` are listed when
+/** Lists what a directory holds, in the order in which the system delivers it; "." and ".." are listed when
  *  the pattern matches them. Times and sizes that 32 bits cannot hold are #BVUTIL_ENTRY_NO_TIME and cut.
  *
  *  @param dir       Directory; a separator between it and the pattern is inserted when needed. Empty: the
@@ -177,5 +184,7 @@ BVUTIL_API double BVUTIL_CALL BvUtil_StringToDouble(const char* s);
 /** @} */
 
 BVUTIL_END_C
+
+/** @} */
 
 #endif

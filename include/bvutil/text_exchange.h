@@ -9,6 +9,9 @@
 
 #include "bvutil/api.h"
 
+/** @addtogroup text_exchange
+ *  @{ */
+
 BVUTIL_BEGIN_C
 
 /** Converts UTF-8 to single bytes: each UTF-16 code unit of the text is reduced to its low byte.
@@ -52,5 +55,7 @@ BVUTIL_API int BVUTIL_CALL ConvertToUTF8(const char* text, char* out);
 BVUTIL_API int BVUTIL_CALL jpgToXML(const char* path, char* out, int* length, int lengthOnly);
 
 BVUTIL_END_C
+
+/** @} */
 
 #endif

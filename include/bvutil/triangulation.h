@@ -6,6 +6,9 @@
 
 #include "bvutil/api.h"
 
+/** @addtogroup triangulation
+ *  @{ */
+
 BVUTIL_BEGIN_C
 
 /** Triangulates the convex hull of a set of points (Delaunay).
@@ -48,5 +51,7 @@ BVUTIL_API int BVUTIL_CALL Triangulieren(unsigned int pointCount, const float* p
 BVUTIL_API int BVUTIL_CALL FreeTriangs(float** triangles);
 
 BVUTIL_END_C
+
+/** @} */
 
 #endif

@@ -32,7 +32,7 @@ for document in "$@"; do
         number=$((number + 1))
         if [ -n "$language" ] && [ "$line" = '```' ]; then
             case $language in
-            c | cpp | env | ini)
+            c | cpp | env | ini | mat)
                 stands_in_a_sample "$block" || complain "$document:$start: this $language is in no sample"
                 ;;
             console | ebnf | sh | text) ;;

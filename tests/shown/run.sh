@@ -34,7 +34,8 @@ trap 'rm -rf "$work"' EXIT
 prepare() {
     cp "$root"/samples/{settings/*.env,profiles/*,terrain/survey.csv} . &&
         cp "$product"/{filters/*.8bf,BvCalc.dll} . &&
-        mkdir -p pictures/filtered pictures/small &&
+        printf '[Pfade]\r\nTexturen=Texturen;Texturen\\alt\r\n' | tee mb.ini >mb2.ini &&
+        mkdir -p Texturen/alt pictures/filtered pictures/small && touch Texturen/alt/eiche.bmp &&
         "$root/cmake/run-wine.sh" "$root/build/dll/samples/badge.exe" badge.bmp pattern.bmp &&
         "$root/cmake/run-wine.sh" "$root/build/dll/samples/landscape.exe" landscape.bmp &&
         cp badge.bmp landscape.bmp pictures
