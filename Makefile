@@ -2,7 +2,7 @@
 JOBS ?= $(shell nproc)
 SECONDS ?= 60
 
-.PHONY: all setup dll demo test bench fuzz dist format check-format clean
+.PHONY: all setup dll demo test bench fuzz docs dist reproduce format check-format clean
 all: dll
 
 setup:
@@ -31,11 +31,18 @@ test: dll build/core-asan/build.ninja
 	@printf 'subdirs("%s" "%s")\n' "$(CURDIR)/build/core-asan" "$(CURDIR)/build/dll" >build/test/CTestTestfile.cmake
 	@ctest --test-dir build/test --output-on-failure -j $(JOBS)
 
-dist: dll
+docs:
+	@cmake/setup.sh docs
+	@docs/build.sh
+
+dist: dll docs
 	@cmake/setup.sh dist
 	@cmake/run-wine.sh --prefix
 	@cmake/dist.sh
 	@tests/package/check.sh
+
+reproduce: setup
+	@tests/package/reproduce.sh
 
 bench: dll
 	@bench/run.sh

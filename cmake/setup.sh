@@ -1,11 +1,12 @@
 #!/usr/bin/env bash
 # Installs what a Debian 12 machine lacks to build and test BvUtil; does nothing when all is there.
-# Usage: cmake/setup.sh [build|test|demo|fuzz|dist]...   (default: build test)
+# Usage: cmake/setup.sh [build|test|demo|docs|fuzz|dist]...   (default: build test)
 set -euo pipefail
 
 wanted_build=(cmake ninja-build g++-mingw-w64-i686-posix libcli11-dev llvm-14)
 wanted_test=(wine wine32:i386 googletest g++ g++-multilib clang-format)
 wanted_demo=(wine wine32:i386 librsvg2-bin)
+wanted_docs=(doxygen)
 wanted_dist=(wine wine32:i386 zip unzip clang-14 pkgconf)
 wanted_fuzz=(clang-14 libclang-rt-14-dev lld-14 llvm-14 g++-multilib)
 
@@ -17,8 +18,9 @@ for group in "$@"; do
     test) wanted+=("${wanted_test[@]}") ;;
     demo) wanted+=("${wanted_demo[@]}") ;;
     fuzz) wanted+=("${wanted_fuzz[@]}") ;;
+    docs) wanted+=("${wanted_docs[@]}") ;;
     dist) wanted+=("${wanted_dist[@]}") ;;
-    *) echo "setup: no group '$group' (build, test, demo, fuzz, dist)" >&2; exit 2 ;;
+    *) echo "setup: no group '$group' (build, test, demo, docs, fuzz, dist)" >&2; exit 2 ;;
     esac
 done
 

@@ -200,10 +200,4 @@ TEST_F(EnvCommands, Merges) {
     }
 }
 
-// What the README shows is what has just been run.
-TEST(Samples, TheReadmeQuotesTheProgramInC) {
-    EXPECT_NE(read_file(SOURCE_DIR "/README.md").find(read_file(SOURCE_DIR "/samples/c/settings.c")),
-              std::string::npos);
-}
-
 } // namespace
