@@ -8,7 +8,10 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 flat() { sed 's/\r$//; s/^[[:blank:]]*//; s/[[:blank:]]*$//' "$@"; }
 samples=()
 while IFS= read -r file; do
-    samples+=("$(flat "$file")")
+    case $file in
+    *.ini | *.mat) samples+=("$(iconv -f cp1252 -t utf-8 "$file" | flat)") ;;
+    *) samples+=("$(flat "$file")") ;;
+    esac
 done < <(find "$root/samples" -name '*.c' -o -name '*.cpp' -o -name '*.env' -o -name '*.ini' -o -name '*.mat')
 
 stands_in_a_sample() {
