@@ -4,11 +4,12 @@ set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
+commit=$(git -C "$root" rev-parse HEAD)
 unset CMAKE_C_COMPILER_LAUNCHER CMAKE_CXX_COMPILER_LAUNCHER
 
 for copy in first "another/second copy"; do
     mkdir -p "$work/$copy"
-    git -C "$root" archive HEAD | tar -x -C "$work/$copy"
+    git -C "$root" archive "$commit" | tar -x -C "$work/$copy"
     (cd "$work/$copy" && cmake --preset dll && cmake --build --preset dll -j "${JOBS:-$(nproc)}" \
         --target BvUtil BvCalc bvutil filter_auto_levels filter_unsharp_mask filter_duotone) >"$work/log" 2>&1 ||
         { tail -20 "$work/log"; exit 1; }
