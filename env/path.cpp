@@ -13,7 +13,10 @@ namespace {
 
 // The first byte of a double-byte character is never ASCII, so most texts need not ask the code page.
 bool is_ascii(std::string_view text) {
-    return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+    unsigned bits = 0;
+    for (const char c : text)
+        bits |= static_cast<unsigned char>(c);
+    return bits < 0x80;
 }
 
 bool is_number(std::string_view token) {
@@ -38,6 +41,7 @@ void Delimiter::set(std::string_view text) {
     m_length = std::min(text.size(), capacity - 1);
     std::memmove(m_text, text.data(), m_length);
     m_text[m_length] = '\0';
+    m_is_ascii = is_ascii({m_text, m_length});
 }
 
 std::string_view Delimiter::joint() const {
@@ -54,27 +58,38 @@ std::size_t Delimiter::separator_length(std::string_view text) const {
     return found;
 }
 
-bool Delimiter::is_wide(std::string_view text) const {
-    return !(is_ascii(text) && is_ascii({m_text, m_length})) && multibyte::active();
+bool Delimiter::is_wide(bool is_ascii) const {
+    return !(m_is_ascii && is_ascii) && multibyte::active();
 }
 
-std::size_t Delimiter::find(std::string_view text, bool wide) const {
-    if (!wide)
-        return m_length == 1 ? text.find(m_text[0]) : text.find_first_of(std::string_view(m_text, m_length));
-    std::size_t found = std::string_view::npos;
-    multibyte::for_each_character(text, [&](std::size_t at, std::size_t) {
-        if (separator_length(text.substr(at)) > 0) found = at;
-        return found == std::string_view::npos;
-    });
-    return found;
+const char* Delimiter::find(std::string_view text, bool wide) const {
+    const char* const begin = text.data();
+    const char* const end = begin + text.size();
+    if (wide) {
+        const char* found = end;
+        multibyte::for_each_character(text, [&](std::size_t at, std::size_t) {
+            if (separator_length(text.substr(at)) > 0) found = begin + at;
+            return found == end;
+        });
+        return found;
+    }
+    // Names are short: a call of the library's search would take longer than the search.
+    const char* at = begin;
+    if (m_length == 1)
+        while (at < end && *at != m_text[0])
+            ++at;
+    else
+        while (at < end && !std::memchr(m_text, *at, m_length))
+            ++at;
+    return at;
 }
 
 bool Delimiter::keeps(std::string_view name) const {
-    return !name.empty() && !is_wide(name) && find(name, false) == std::string_view::npos;
+    return !name.empty() && !is_wide(is_ascii(name)) && find(name, false) == name.data() + name.size();
 }
 
 std::size_t Delimiter::find_last_joint(std::string_view text) const {
-    if (!is_wide(text)) return text.rfind(m_text[0]);
+    if (!is_wide(is_ascii(text))) return text.rfind(m_text[0]);
     std::size_t found = std::string_view::npos;
     multibyte::for_each_character(text, [&](std::size_t at, std::size_t length) {
         if (text.substr(at, length) == joint()) found = at;
@@ -83,26 +98,23 @@ std::size_t Delimiter::find_last_joint(std::string_view text) const {
     return found;
 }
 
-PathReader::PathReader(std::string_view path) : m_wide(delimiter().is_wide(path)), m_rest(path) {
+PathReader::PathReader(const char* path) : m_at(path), m_end(path) {
+    unsigned bits = 0;
+    for (; *m_end; ++m_end)
+        bits |= static_cast<unsigned char>(*m_end);
+    m_wide = delimiter().is_wide(bits < 0x80);
     read_token();
 }
 
 void PathReader::read_token() {
     const Delimiter& separators = delimiter();
-    while (!m_rest.empty()) {
-        const std::size_t end = std::min(separators.find(m_rest, m_wide), m_rest.size());
-        m_token = m_rest.substr(0, end);
-        m_rest.remove_prefix(end);
-        if (!m_rest.empty()) m_rest.remove_prefix(separators.separator_length(m_rest));
-        if (!m_token.empty()) return;
-    }
     m_token = {};
-}
-
-std::string_view PathReader::rest() const {
-    const char* const end = m_rest.data() + m_rest.size();
-    return at_end() ? m_rest
-                    : std::string_view(m_token.data(), static_cast<std::size_t>(end - m_token.data()));
+    while (m_at < m_end && m_token.empty()) {
+        const char* const end = separators.find({m_at, m_end}, m_wide);
+        m_token = {m_at, end};
+        m_at = end;
+        if (end < m_end) m_at += m_wide ? separators.separator_length({end, m_end}) : 1;
+    }
 }
 
 Component PathReader::next() {

@@ -19,10 +19,11 @@ class Delimiter {
     std::string_view joint() const;
     // The length of the separator that the text begins with, 0 when it begins with none.
     std::size_t separator_length(std::string_view text) const;
-    // Whether splitting the text must mind double-byte characters, in it or in the delimiter.
-    bool is_wide(std::string_view text) const;
-    // Position of the first separator; npos when there is none. `wide` is is_wide() of the text.
-    std::size_t find(std::string_view text, bool wide) const;
+    // Whether splitting a text, of ASCII only or not, must mind double-byte characters, in it or in the
+    // delimiter.
+    bool is_wide(bool is_ascii) const;
+    // The first separator, else the end of the text. `wide` is is_wide() of the text.
+    const char* find(std::string_view text, bool wide) const;
     // Whether a component that is this name, with an occurrence number behind it, is read back as the same.
     bool keeps(std::string_view name) const;
     // Position of the last joint; npos when there is none.
@@ -31,6 +32,7 @@ class Delimiter {
   private:
     char m_text[capacity] = "@";
     std::size_t m_length = 1;
+    bool m_is_ascii = true;
 };
 
 Delimiter& delimiter();
@@ -43,19 +45,18 @@ struct Component {
 // Hands out the components of a path one after the other. The path must outlive it.
 class PathReader {
   public:
-    explicit PathReader(std::string_view path);
+    explicit PathReader(const char* path);
 
     // Whether there is none (left).
     bool at_end() const { return m_token.empty(); }
     Component next();
-    // What is left of the path.
-    std::string_view rest() const;
 
   private:
     void read_token();
 
     bool m_wide;
-    std::string_view m_rest;
+    const char* m_at; // what is left behind the token
+    const char* m_end;
     std::string_view m_token; // the next one; empty at the end
 };
 

@@ -18,15 +18,27 @@ void copy_text(char* to, std::string_view text) {
     to[text.size()] = '\0';
 }
 
-} // namespace
-
-std::uint32_t name_hash(std::string_view name) {
-    // FNV-1a, see Fowler, Noll, Vo; folded so that the low byte has something of every bit.
-    std::uint32_t hash = 2166136261u;
-    for (const char c : name)
-        hash = (hash ^ static_cast<unsigned char>(c)) * 16777619u;
-    return hash ^ (hash >> 15);
+// The same where the two do not overlap. Most are short: calling for a copy would take longer than copying.
+void copy_apart(char* to, std::string_view text) {
+    const auto copy_ends = [&](auto word) {
+        std::memcpy(&word, text.data(), sizeof word);
+        std::memcpy(to, &word, sizeof word);
+        std::memcpy(&word, text.data() + text.size() - sizeof word, sizeof word);
+        std::memcpy(to + text.size() - sizeof word, &word, sizeof word);
+    };
+    if (text.size() > 16)
+        std::memcpy(to, text.data(), text.size());
+    else if (text.size() >= 8)
+        copy_ends(std::uint64_t{});
+    else if (text.size() >= 4)
+        copy_ends(std::uint32_t{});
+    else
+        for (std::size_t i = 0; i < text.size(); ++i)
+            to[i] = text[i];
+    to[text.size()] = '\0';
 }
+
+} // namespace
 
 void Pin::stand_on(Tree& tree, Element* element) {
     leave();
@@ -71,7 +83,7 @@ Element* Tree::create(std::string_view name, Kind kind, std::size_t text_size) {
         units <= std::numeric_limits<std::uint16_t>::max() ? static_cast<std::uint16_t>(units) : 0;
     element->hash = static_cast<std::uint8_t>(name_hash(name));
     element->kind = kind;
-    copy_text(element->name(), name);
+    copy_apart(element->name(), name);
     return element;
 }
 
@@ -89,7 +101,7 @@ Element* Tree::create_data(std::string_view name, std::string_view text) {
     Element* element = create(name, Kind::data, text_bytes(text));
     element->text_inside = true;
     element->text = element->name() + name.size() + 1;
-    copy_text(element->text, text);
+    copy_apart(element->text, text);
     return element;
 }
 
@@ -247,8 +259,7 @@ void Tree::release(Element* element) {
     m_pool.release(element, size);
 }
 
-ListIndex* Tree::index_of(const ElementList& list) {
-    if (list.index || list.count < ListIndex::shortest_list) return list.index;
+ListIndex* Tree::make_index(const ElementList& list) {
     try {
         auto* index = new ListIndex(list);
         index->owner_list = const_cast<ElementList*>(&list);

@@ -68,12 +68,15 @@ class Tree {
     void make_block(Element* element);
 
     // The index of a long list, made when it is missing; null for a short one and when memory runs out.
-    ListIndex* index_of(const ElementList& list);
+    ListIndex* index_of(const ElementList& list) {
+        return list.index || list.count < ListIndex::shortest_list ? list.index : make_index(list);
+    }
 
   private:
     friend class Pin;
     friend class StoreCheck; // of the tests
 
+    ListIndex* make_index(const ElementList& list);
     Element* create(std::string_view name, Kind kind, std::size_t text_size);
     void release_content(Element* element);
     void release_children(Element* block);

@@ -75,12 +75,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::string separators = text.substr(0, std::min<std::size_t>(end, 254));
     if (separators.empty()) separators = "@";
     env::delimiter().set(separators);
-    const std::string path = end < text.size() ? text.substr(end + 1) : "";
+    const std::string path = end < text.size() ? text.c_str() + end + 1 : "";
 
-    env::PathReader reader(path);
+    env::PathReader reader(path.c_str());
     for (const Step& step : split(path, characters(separators))) {
         require(!reader.at_end());
-        require(reader.rest().substr(0, step.name.size()) == step.name);
         const env::Component component = reader.next();
         require(component.name == step.name && component.occurrence == step.occurrence);
     }
