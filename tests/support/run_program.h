@@ -25,22 +25,20 @@ inline std::string quoted(const std::string& argument) {
     return text.append(backslashes, '\\').append("\"");
 }
 
-// The program is named as it lies below the build folder: "bvutil.exe", "samples\\settings.exe".
-inline ProgramRun run_program(const std::string& name, const std::vector<std::string>& arguments,
-                              const std::string& folder) {
+// The path of a program, named as it lies below the build folder: "bvutil.exe", "samples\\settings.exe".
+inline std::string program_path(const std::string& name) {
     char self[MAX_PATH];
     GetModuleFileNameA(nullptr, self, sizeof self);
-    const std::string build = std::filesystem::path(self).parent_path().parent_path().string();
-    std::string line = quoted(build + "\\" + name);
-    for (const std::string& argument : arguments)
-        line.append(" ").append(quoted(argument));
+    return std::filesystem::path(self).parent_path().parent_path().string() + "\\" + name;
+}
 
+inline ProgramRun run_line(std::wstring line, const std::string& folder) {
     const TempDir outputs;
     SECURITY_ATTRIBUTES inherited{sizeof inherited, nullptr, TRUE};
     const auto open = [&](const char* file, DWORD access, DWORD disposition) {
         return CreateFileA(file, access, FILE_SHARE_READ, &inherited, disposition, 0, nullptr);
     };
-    STARTUPINFOA start{};
+    STARTUPINFOW start{};
     start.cb = sizeof start;
     start.dwFlags = STARTF_USESTDHANDLES;
     start.hStdInput = open("NUL", GENERIC_READ, OPEN_EXISTING);
@@ -48,8 +46,8 @@ inline ProgramRun run_program(const std::string& name, const std::vector<std::st
     start.hStdError = open(outputs.file("err").c_str(), GENERIC_WRITE, CREATE_ALWAYS);
     PROCESS_INFORMATION process{};
     ProgramRun run;
-    if (CreateProcessA(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr, folder.c_str(), &start,
-                       &process)) {
+    if (CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr,
+                       std::filesystem::path(folder).c_str(), &start, &process)) {
         DWORD code = 0;
         if (WaitForSingleObject(process.hProcess, 60000) != WAIT_OBJECT_0)
             TerminateProcess(process.hProcess, 1);
@@ -63,4 +61,16 @@ inline ProgramRun run_program(const std::string& name, const std::vector<std::st
     run.out = read_file(outputs.file("out"));
     run.err = read_file(outputs.file("err"));
     return run;
+}
+
+inline ProgramRun run_program(const std::string& name, const std::vector<std::string>& arguments,
+                              const std::string& folder) {
+    std::string line = quoted(program_path(name));
+    for (const std::string& argument : arguments)
+        line.append(" ").append(quoted(argument));
+    std::wstring wide(line.size(), L'\0');
+    const int length = static_cast<int>(line.size());
+    wide.resize(
+        static_cast<std::size_t>(MultiByteToWideChar(CP_ACP, 0, line.data(), length, wide.data(), length)));
+    return run_line(wide, folder);
 }

@@ -1,6 +1,8 @@
-// The command groups of bvutil. Each adds its subcommands to the application; a command that runs sets the
-// exit code by throwing CommandFailed or by returning normally (success).
+// The commands of bvutil. Each function adds its own to the application; a command that runs returns when it
+// is done, or throws CommandFailed with the exit code.
 #pragma once
+
+#include "tools/bvutil/exit_codes.h"
 
 #include <stdexcept>
 #include <string>
@@ -9,16 +11,7 @@ namespace CLI {
 class App;
 }
 
-// Exit codes, the same for all commands.
-enum ExitCode {
-    exit_done = 0,
-    exit_not_found = 1, // what was asked for does not exist (a section, a key, a file to search)
-    exit_bad_input = 2, // an input file or value does not have the form it should
-    exit_io_error = 3,  // a file cannot be read or written
-    exit_failed = 4,    // the work itself failed (a component is missing, out of memory)
-    exit_usage = 64     // the command line is wrong
-};
-
+// The message is text of the ANSI code page.
 class CommandFailed : public std::runtime_error {
   public:
     CommandFailed(ExitCode code, const std::string& message) : std::runtime_error(message), m_code(code) {}
@@ -31,7 +24,8 @@ class CommandFailed : public std::runtime_error {
 void add_calc_commands(CLI::App& app);
 void add_env_commands(CLI::App& app);
 void add_files_commands(CLI::App& app);
-void add_image_commands(CLI::App& app);
-void add_where_commands(CLI::App& app);
 void add_filter_commands(CLI::App& app);
+void add_help_commands(CLI::App& app);
+void add_image_commands(CLI::App& app);
 void add_triangulate_commands(CLI::App& app);
+void add_where_commands(CLI::App& app);

@@ -1,8 +1,8 @@
 #include "tools/bvutil/env_file.h"
 
-#include "tools/bvutil/commands.h"
 #include "tools/bvutil/console.h"
 #include "tools/bvutil/env_tree.h"
+#include "tools/bvutil/progress.h"
 #include "tools/bvutil/whole_file.h"
 
 #include <algorithm>
@@ -29,6 +29,8 @@ class ByteSource {
     int next() {
         if (m_at < m_bytes.size() && m_bytes[m_at] == '\r' && m_bytes.substr(m_at + 1).starts_with('\n'))
             ++m_at;
+        if (m_at % 65536 == 0)
+            Progress::report(static_cast<double>(m_at) / static_cast<double>(m_bytes.size()));
         m_ended = m_at == m_bytes.size() || text_ends.find(m_bytes[m_at]) != text_ends.npos;
         return m_ended ? -1 : static_cast<signed char>(m_bytes[m_at++]);
     }
@@ -38,12 +40,16 @@ class ByteSource {
     bool m_ended = false;
 };
 
-// "line 3, column 7": of the character that the reader took last, or of the end.
-std::string place_of(const ByteSource& source, std::string_view bytes) {
-    const std::string_view before = bytes.substr(0, source.ended() ? source.at() : source.at() - 1);
-    const auto line = 1 + std::count(before.begin(), before.end(), '\n');
+// Line and column of a byte, both from 1.
+struct FilePlace {
+    std::size_t line, column;
+};
+
+FilePlace place_of(std::size_t at, std::string_view bytes) {
+    const std::string_view before = bytes.substr(0, at);
+    const auto line = 1 + static_cast<std::size_t>(std::count(before.begin(), before.end(), '\n'));
     const std::size_t line_begin = before.rfind('\n') + 1; // 0 when there is none
-    return "line " + std::to_string(line) + ", column " + std::to_string(before.size() - line_begin + 1);
+    return {line, before.size() - line_begin + 1};
 }
 
 const char* explanation_of(std::string_view message) {
@@ -139,11 +145,16 @@ Unkept load(EnvHandle env, const std::string& path, MessageCapture& messages) {
     const std::string bytes = read_whole_file(path);
     ByteSource source(bytes);
     const EnvStatus status = env_read(&ByteSource::read, &source, env);
+    Progress::report(-1);
     if (status == ENV_OK) return find_unkept(bytes);
     const std::string message = messages.take();
-    if (status == ENV_SYNTAX)
-        throw CommandFailed(exit_bad_input, path + ", " + place_of(source, bytes) + ": " + message + ": " +
-                                                explanation_of(message));
+    if (status == ENV_SYNTAX) {
+        // The character that the reader took last, or the end.
+        const auto [line, column] = place_of(source.ended() ? source.at() : source.at() - 1, bytes);
+        throw SyntaxError(path + ", line " + std::to_string(line) + ", column " + std::to_string(column) +
+                              ": " + message + ": " + explanation_of(message),
+                          line, column);
+    }
     throw CommandFailed(exit_failed, path + ": " + (message.empty() ? "out of memory" : message));
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "bvutil/env.h"
+#include "tools/bvutil/commands.h"
 #include "tools/bvutil/message_capture.h"
 
 #include <cstddef>
@@ -20,6 +21,18 @@ class Environment {
     EnvHandle m_env;
 };
 
+// Where a file breaks the rules of its format.
+class SyntaxError : public CommandFailed {
+  public:
+    SyntaxError(const std::string& message, std::size_t line, std::size_t column)
+        : CommandFailed(exit_bad_input, message), m_line(line), m_column(column) {}
+    std::size_t line() const { return m_line; }
+    std::size_t column() const { return m_column; }
+
+  private:
+    std::size_t m_line, m_column;
+};
+
 // What a file holds beside its sections. It is gone when the file is written again.
 struct Unkept {
     long comments = 0;         // lines
@@ -27,8 +40,8 @@ struct Unkept {
     bool text_behind = false;  // behind the byte that ends the text early
 };
 
-// Replaces the environment's content by the file's. Throws CommandFailed: exit_io_error when it cannot be
-// read, exit_bad_input, with line and column, on a syntax error.
+// Replaces the environment's content by the file's. Throws CommandFailed (exit_io_error) when it cannot be
+// read, or SyntaxError.
 Unkept load(EnvHandle env, const std::string& path, MessageCapture& messages);
 
 // Writes the environment to a file, consuming it. The file is replaced only when what was written reads back

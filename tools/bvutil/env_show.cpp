@@ -11,8 +11,7 @@ namespace {
 constexpr std::size_t deepest_indent = 60;
 
 // "name@2" where there are several of the name.
-std::string label(const TreeNode& node, bool section) {
-    if (section) return "[" + printable(node.name) + "]";
+std::string label(const TreeNode& node) {
     std::string text = printable(node.name);
     if (node.repeated) text += "@" + std::to_string(node.occurrence);
     return text;
@@ -27,6 +26,22 @@ std::string content(const TreeNode& node) {
     default:
         return " (external)";
     }
+}
+
+void print_rails(const std::string& rails, bool last) {
+    const Emphasised faint(Emphasis::faint);
+    print_utf8(rails);
+    print_utf8(last ? "\u2514\u2500\u2500 " : "\u251C\u2500\u2500 ");
+}
+
+void print_element(const TreeNode& node, bool section) {
+    if (section) {
+        const Emphasised heading(Emphasis::heading);
+        print("[" + printable(node.name) + "]");
+    } else {
+        print(label(node));
+    }
+    print(content(node) + "\n");
 }
 
 } // namespace
@@ -56,11 +71,34 @@ void print_tree(const std::string& title, TreeWalk walk) {
         const TreeNode& node = walk.node();
         ends.resize(node.depth + 1);
         rails.resize(ends.back());
-        print_utf8(rails);
-        print_utf8(node.last ? "\u2514\u2500\u2500 " : "\u251C\u2500\u2500 ");
-        const bool section = node.depth == 0 && walk.over_sections();
-        print(label(node, section) + content(node) + "\n");
+        print_rails(rails, node.last);
+        print_element(node, node.depth == 0 && walk.over_sections());
         if (node.depth < deepest_indent) rails += node.last ? no_rail : rail;
         ends.push_back(rails.size());
     }
+}
+
+void write_tree(JsonWriter& json, TreeWalk walk) {
+    std::size_t open = 0; // blocks
+    const auto close_down_to = [&](std::size_t depth) {
+        for (; open > depth; --open)
+            json.end_array().end_object();
+    };
+    json.begin_array();
+    while (walk.next()) {
+        const TreeNode& node = walk.node();
+        close_down_to(node.depth);
+        json.begin_object().member("name", node.name);
+        if (node.repeated) json.member("occurrence", node.occurrence);
+        if (node.kind == ENV_IS_BLOCK) {
+            json.key("elements").begin_array();
+            ++open;
+        } else if (node.kind == ENV_IS_DATA) {
+            json.member("value", node.text ? node.text : "").end_object();
+        } else {
+            json.member("external", true).end_object();
+        }
+    }
+    close_down_to(0);
+    json.end_array();
 }

@@ -2,7 +2,6 @@
 
 #include "tools/bvutil/commands.h"
 
-#include <charconv>
 #include <cstring>
 
 namespace {
@@ -15,53 +14,32 @@ struct Place {
     const char* text; // what stands there
 };
 
-std::string shown(long value) {
-    return std::to_string(value);
-}
-
-std::string shown(double value) {
-    char text[32];
-    return {text, std::to_chars(text, text + sizeof text, value).ptr};
-}
-
-std::string shown(const std::string& value) {
-    return value;
-}
-
 // Each item but the last takes a character and a comma.
 std::size_t most_items(const Place& place) {
     return std::strlen(place.text) / 2 + 1;
 }
 
-template <class T>
-std::string joined(const std::vector<T>& items) {
-    std::string lines;
-    for (const T& item : items)
-        lines += (lines.empty() ? "" : "\n") + shown(item);
-    return lines;
-}
-
-using ReadAs = EnvStatus (*)(const Place&, std::string&);
+using ReadAs = EnvStatus (*)(const Place&, Value&);
 
 template <class T, auto get>
-EnvStatus read_one(const Place& at, std::string& out) {
+EnvStatus read_one(const Place& at, Value& out) {
     T value{};
     const EnvStatus status = get(at.env, at.section, at.path, at.exact, &value);
-    out = shown(value);
+    out = value;
     return status;
 }
 
 template <class T, auto get>
-EnvStatus read_list(const Place& at, std::string& out) {
+EnvStatus read_list(const Place& at, Value& out) {
     std::vector<T> values(most_items(at));
     auto count = static_cast<long>(values.size());
     const EnvStatus status = get(at.env, at.section, at.path, at.exact, &count, values.data());
     values.resize(static_cast<std::size_t>(count));
-    out = joined(values);
+    out = values;
     return status;
 }
 
-EnvStatus read_words(const Place& at, std::string& out) {
+EnvStatus read_words(const Place& at, Value& out) {
     // The words are copied to where they stand in the text, each ended where its comma was.
     std::string storage(at.text);
     std::vector<char*> items{storage.data()};
@@ -71,12 +49,12 @@ EnvStatus read_words(const Place& at, std::string& out) {
     const EnvStatus status = env_get_strings(at.env, at.section, at.path, at.exact, &count,
                                              static_cast<long>(storage.size() + 1), items.data());
     items.resize(static_cast<std::size_t>(count));
-    out = joined(std::vector<std::string>(items.begin(), items.end()));
+    out = std::vector<std::string>(items.begin(), items.end());
     return status;
 }
 
-EnvStatus read_text(const Place& at, std::string& out) {
-    out = at.text;
+EnvStatus read_text(const Place& at, Value& out) {
+    out = std::string(at.text);
     return ENV_OK;
 }
 
@@ -104,19 +82,18 @@ std::vector<std::string> value_kinds() {
     return names;
 }
 
-std::string read_as(const std::string& kind, EnvHandle env, const char* section, const char* path,
-                    bool exact) {
+Value read_as(const std::string& kind, EnvHandle env, const char* section, const char* path, bool exact) {
     Place place{env, section, path, exact, ""};
     env_get_reference(env, section, path, exact, &place.text);
     for (const Kind& known : kinds) {
         if (kind != known.name) continue;
-        std::string value;
+        Value value;
         if (known.read(place, value) < 0)
             throw CommandFailed(exit_bad_input,
                                 std::string("\"") + place.text + "\" is not " + known.description);
         return value;
     }
-    return place.text;
+    return std::string(place.text);
 }
 
 void expect_storable(const std::string& text) {

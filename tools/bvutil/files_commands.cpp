@@ -1,7 +1,10 @@
 // bvutil ini, material and fio: profile files, material files and byte-order data files.
+#include "tools/bvutil/command.h"
 #include "tools/bvutil/commands.h"
 #include "tools/bvutil/console.h"
+#include "tools/bvutil/json_writer.h"
 #include "tools/bvutil/material_preview.h"
+#include "tools/bvutil/value.h"
 
 #include "bvutil/fio.h"
 #include "bvutil/ini_file.h"
@@ -12,6 +15,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -24,6 +28,7 @@ constexpr int longest_value = 1023;
 
 struct Arguments {
     std::string file, section, key, value, preview, kind = "text";
+    bool json = false;
     std::string place() const { return "[" + section + "] " + key; }
 };
 
@@ -60,29 +65,27 @@ void expect_form(int result, const Arguments& arguments, const char* form) {
     if (result != 0) throw CommandFailed(exit_bad_input, arguments.place() + " is not " + form);
 }
 
-std::string read_as(MiniHandle h, const Arguments& arguments, const std::string& text) {
+Value read_as(MiniHandle h, const Arguments& arguments, const std::string& text) {
     const char *section = arguments.section.c_str(), *key = arguments.key.c_str();
     if (arguments.kind == "long") {
         long number = 0;
         expect_form(mini_read_long(h, section, key, &number), arguments, "an integer");
-        return std::to_string(number) + "\n";
+        return number;
     }
     if (arguments.kind == "double") {
         double number = 0;
         expect_form(mini_read_double(h, section, key, &number), arguments, "a number");
-        return number_text(number) + "\n";
+        return number;
     }
     if (arguments.kind == "doubles") {
         std::vector<double> numbers(longest_value);
         int count = longest_value;
         expect_form(mini_read_doubles(h, section, key, numbers.data(), &count), arguments,
                     "a list of numbers");
-        std::string lines;
-        for (int i = 0; i < count; ++i)
-            lines += number_text(numbers[static_cast<std::size_t>(i)]) + "\n";
-        return lines;
+        numbers.resize(static_cast<std::size_t>(count));
+        return numbers;
     }
-    return text + "\n";
+    return text;
 }
 
 void get_value(const Arguments& arguments) {
@@ -93,7 +96,12 @@ void get_value(const Arguments& arguments) {
                          &length) != 0)
         throw CommandFailed(exit_not_found, arguments.place() + " is not in " + arguments.file);
     text.resize(static_cast<std::size_t>(length));
-    print(read_as(profile.get(), arguments, text));
+    const Value value = read_as(profile.get(), arguments, text);
+    if (!arguments.json) return print(lines_of(value));
+    JsonWriter json;
+    json.begin_object().member("file", arguments.file).member("section", arguments.section);
+    write(json.member("key", arguments.key).key("value"), value);
+    json.end_object().print();
 }
 
 void set_value(const Arguments& arguments) {
@@ -119,6 +127,30 @@ std::vector<std::string> names_in(const std::string& path, const char* section) 
     return names;
 }
 
+void print_sections(const std::string& path, CBvIniFile& profile, const std::vector<std::string>& sections) {
+    for (const std::string& section : sections) {
+        print("[" + section + "]\n");
+        for (const std::string& key : names_in(path, section.c_str()))
+            print(key + "=" + profile.ReadString(section, key) + "\n");
+    }
+}
+
+void write_sections(const std::string& file, const std::string& path, CBvIniFile& profile,
+                    const std::vector<std::string>& sections) {
+    JsonWriter json;
+    json.begin_object().member("file", file).key("sections").begin_array();
+    for (const std::string& section : sections) {
+        json.begin_object().member("name", section).key("values").begin_array();
+        for (const std::string& key : names_in(path, section.c_str()))
+            json.begin_object()
+                .member("key", key)
+                .member("value", profile.ReadString(section, key))
+                .end_object();
+        json.end_array().end_object();
+    }
+    json.end_array().end_object().print();
+}
+
 void list_values(const Arguments& arguments) {
     const std::string path = full_path(arguments.file);
     const Profile profile = open_for_reading(path);
@@ -130,11 +162,10 @@ void list_values(const Arguments& arguments) {
         if (sections.empty())
             throw CommandFailed(exit_not_found, "[" + arguments.section + "] is not in " + arguments.file);
     }
-    for (const std::string& section : sections) {
-        print("[" + section + "]\n");
-        for (const std::string& key : names_in(path, section.c_str()))
-            print(key + "=" + profile->ReadString(section, key) + "\n");
-    }
+    if (arguments.json)
+        write_sections(arguments.file, path, *profile, sections);
+    else
+        print_sections(path, *profile, sections);
 }
 
 void print_row(std::string_view label, const std::string& value) {
@@ -145,6 +176,35 @@ void print_row(std::string_view label, const std::string& value) {
 
 void print_color(std::string_view label, const float (&color)[3]) {
     print_row(label, number_text(color[0]) + " " + number_text(color[1]) + " " + number_text(color[2]));
+}
+
+void write_floats(JsonWriter& json, const char* key, std::span<const float> numbers) {
+    json.key(key).begin_array();
+    for (const float number : numbers)
+        json.value(number);
+    json.end_array();
+}
+
+void write_material(const std::string& file, const std::string& name, const std::string& texture,
+                    const matTyp& material) {
+    JsonWriter json;
+    json.begin_object()
+        .member("file", file)
+        .member("name", name)
+        .member("diffuse", material.diffuse)
+        .member("ambient", material.ambient)
+        .member("specular", material.specular)
+        .member("alpha", material.alpha);
+    write_floats(json, "diffuse_colour", material.diffuseColor);
+    write_floats(json, "specular_colour", material.specularColor);
+    json.member("exponent", material.exponent);
+    write_floats(json, "shading_constants", {{material.shade1, material.shade2, material.shade3}});
+    json.member("bits", material.bits).key("test_texture");
+    if (texture.empty())
+        json.null();
+    else
+        json.value(texture);
+    json.end_object().print();
 }
 
 void show_material(const Arguments& arguments) {
@@ -159,6 +219,7 @@ void show_material(const Arguments& arguments) {
     file.GetTestTexturePath(texture);
     const matTyp& material = *file.GetMaterialPtr();
     if (!arguments.preview.empty()) save_material_preview(material, arguments.preview);
+    if (arguments.json) return write_material(arguments.file, name, texture, material);
     print_row("name", name);
     print_row("diffuse", number_text(material.diffuse));
     print_row("ambient", number_text(material.ambient));
@@ -177,6 +238,16 @@ struct CloseFile {
     void operator()(FioFile* h) const { fio_close(h); }
 };
 
+void write_data_file(const FioFile& file, long start, long size) {
+    JsonWriter json;
+    json.begin_object().member("file", file.path).key("byte_order");
+    if (file.byteOrder == FIO_NO_HEADER)
+        json.null();
+    else
+        json.value(file.byteOrder == FIO_MOTOROLA ? "big-endian" : "little-endian");
+    json.member("data_begin", start).member("data_size", size - start).end_object().print();
+}
+
 void show_data_file(const Arguments& arguments) {
     const std::string path = full_path(arguments.file);
     const std::unique_ptr<FioFile, CloseFile> h(fio_open("", path.c_str(), FIO_READ | FIO_HEADER));
@@ -184,6 +255,7 @@ void show_data_file(const Arguments& arguments) {
     const long start = fio_tell(h.get());
     const long size = fio_seek(h.get(), 0, 2) == 0 ? fio_tell(h.get()) : -1;
     if (start < 0 || size < 0) cannot("read", path); // such as a file beyond 2 GB
+    if (arguments.json) return write_data_file(*h, start, size);
     print_row("file", h->path);
     print_row("byte order", h->byteOrder == FIO_NO_HEADER  ? "not stated: no header"
                             : h->byteOrder == FIO_MOTOROLA ? "MOTOROLA (big-endian)"
@@ -191,35 +263,54 @@ void show_data_file(const Arguments& arguments) {
     print_row("data", std::to_string(size - start) + " bytes from byte " + std::to_string(start));
 }
 
-CLI::App* add_command(CLI::App& group, const char* name, const char* description,
-                      const std::shared_ptr<Arguments>& arguments, void (*run)(const Arguments&)) {
-    CLI::App* const command = group.add_subcommand(name, description);
-    command->add_option("FILE", arguments->file)->required();
-    command->callback([arguments, run] { run(*arguments); });
+// A command on a file.
+CLI::App* add_file_command(CLI::App& group, const CommandHelp& help,
+                           const std::shared_ptr<Arguments>& arguments, void (*run)(const Arguments&)) {
+    CLI::App* const command = add_command(group, help, [arguments, run] { run(*arguments); });
+    command->add_option("FILE", arguments->file, "The file")->required();
     return command;
 }
 
 void add_ini_commands(CLI::App& app) {
-    CLI::App* const ini = app.add_subcommand("ini", "Profile (ini) files: read, change and list values");
-    ini->require_subcommand(1);
+    CLI::App& ini = add_group(app, "ini", "Profile (ini) files: read, change and list values");
     const auto arguments = std::make_shared<Arguments>();
+    const auto add_section = [&](CLI::App* command) {
+        return command->add_option("SECTION", arguments->section, "Name of the section");
+    };
+    const auto add_key = [&](CLI::App* command) {
+        command->add_option("KEY", arguments->key, "Name of the value")->required();
+    };
 
-    CLI::App* const get = add_command(*ini, "get", "Print a value", arguments, get_value);
-    get->add_option("SECTION", arguments->section)->required();
-    get->add_option("KEY", arguments->key)->required();
-    get->add_option("--as", arguments->kind, "How the value is read")
-        ->check(CLI::IsMember({"text", "long", "double", "doubles"}))
-        ->capture_default_str();
+    CLI::App* const get = add_file_command(ini,
+                                           {"get",
+                                            "Print a value",
+                                            {"bvutil ini get zeichnung.ini Blatt name",
+                                             "bvutil ini get zeichnung.ini Stifte fenster --as doubles"}},
+                                           arguments, get_value);
+    add_section(get)->required();
+    add_key(get);
+    add_json(get, arguments->json);
+    get->add_option("--as", arguments->kind, "Read the value as this kind")
+        ->check(CLI::IsMember({"text", "long", "double", "doubles"}));
 
-    CLI::App* const set = add_command(*ini, "set", "Set a value; file, section and key are created as needed",
-                                      arguments, set_value);
-    set->add_option("SECTION", arguments->section)->required();
-    set->add_option("KEY", arguments->key)->required();
-    set->add_option("VALUE", arguments->value)->required();
+    CLI::App* const set = add_file_command(ini,
+                                           {"set",
+                                            "Store a value, creating file, section and key as needed",
+                                            {"bvutil ini set zeichnung.ini Blatt name Obergeschoss"}},
+                                           arguments, set_value);
+    add_section(set)->required();
+    add_key(set);
+    set->add_option("VALUE", arguments->value, "The text to store; one that begins with - goes behind --")
+        ->required();
 
     CLI::App* const list =
-        add_command(*ini, "list", "Print all values, or those of a section", arguments, list_values);
-    list->add_option("SECTION", arguments->section);
+        add_file_command(ini,
+                         {"list",
+                          "Print all values, or those of a section",
+                          {"bvutil ini list zeichnung.ini", "bvutil ini list zeichnung.ini Stifte"}},
+                         arguments, list_values);
+    add_section(list);
+    add_json(list, arguments->json);
 }
 
 } // namespace
@@ -228,14 +319,22 @@ void add_files_commands(CLI::App& app) {
     add_ini_commands(app);
     const auto arguments = std::make_shared<Arguments>();
 
-    CLI::App* const material = app.add_subcommand("material", "Material files");
-    material->require_subcommand(1);
-    add_command(*material, "show", "Print a material's values and its derived shading constants", arguments,
-                show_material)
+    CLI::App& materials = add_group(app, "material", "Material files");
+    CLI::App* const material = add_file_command(
+        materials,
+        {"show",
+         "Print a material's values and its derived shading constants",
+         {"bvutil material show eiche.mat", "bvutil material show eiche.mat --preview eiche.png"}},
+        arguments, show_material);
+    material
         ->add_option("--preview", arguments->preview,
-                     "Picture to write, of a lit sphere: bmp, jpeg, gif, tiff or png");
+                     "Picture to write, of a lit sphere: bmp, jpeg, gif, tiff or png")
+        ->type_name("FILE");
+    add_json(material, arguments->json);
 
-    CLI::App* const fio = app.add_subcommand("fio", "Data files with a byte-order header");
-    fio->require_subcommand(1);
-    add_command(*fio, "info", "Print the byte order and where the data are", arguments, show_data_file);
+    CLI::App& fio = add_group(app, "fio", "Data files with a byte-order header");
+    add_json(add_file_command(
+                 fio, {"info", "Print the byte order and where the data are", {"bvutil fio info punkte.dat"}},
+                 arguments, show_data_file),
+             arguments->json);
 }

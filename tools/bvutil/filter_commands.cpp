@@ -1,15 +1,16 @@
 // bvutil filter: image filter plug-ins from the command line.
 #include "bvutil/filter_host.h"
+#include "tools/bvutil/command.h"
 #include "tools/bvutil/commands.h"
 #include "tools/bvutil/console.h"
 #include "tools/bvutil/drawing_surface.h"
+#include "tools/bvutil/json_writer.h"
 #include "tools/bvutil/picture_pixels.h"
+#include "tools/bvutil/progress.h"
 #include "tools/bvutil/whole_file.h"
 
 #include <CLI/CLI.hpp>
 #include <atomic>
-#include <cstdio>
-#include <io.h>
 #include <memory>
 #include <string>
 #include <windows.h>
@@ -18,7 +19,7 @@ namespace {
 
 struct Arguments {
     std::string plugin, input, output;
-    bool repeat_last = false;
+    bool repeat_last = false, json = false;
     int again = 0;
 };
 
@@ -73,36 +74,14 @@ class Interruption {
     }
 };
 
-// A bar on the console; silent when the output goes elsewhere.
-class ProgressBar {
-  public:
-    ~ProgressBar() {
-        if (m_percent >= 0) write("\n");
-    }
-    void show(float fraction) {
-        if (!m_visible || !(fraction >= 0 && fraction <= 1)) return;
-        const int percent = static_cast<int>(100 * fraction);
-        if (percent == m_percent) return;
-        m_percent = percent;
-        const auto filled = static_cast<std::size_t>(percent * width / 100);
-        write("\r[" + std::string(filled, '#') + std::string(width - filled, ' ') + "] " +
-              std::to_string(percent) + " %");
-    }
-
-  private:
-    // In one piece: the runtime's stream writes to a console byte by byte.
-    static void write(const std::string& text) {
-        std::fflush(stdout);
-        _write(_fileno(stdout), text.data(), static_cast<unsigned>(text.size()));
-    }
-
-    static constexpr std::size_t width = 40;
-    bool m_visible = output_is_console();
-    int m_percent = -1;
+// One of several rounds of the same work.
+struct Round {
+    int number, count;
 };
 
-BvUtilBool BVUTIL_STDCALL on_progress(float fraction, void* bar) noexcept {
-    static_cast<ProgressBar*>(bar)->show(fraction);
+BvUtilBool BVUTIL_STDCALL on_progress(float fraction, void* round) noexcept {
+    const auto [number, count] = *static_cast<const Round*>(round);
+    if (fraction >= 0 && fraction <= 1) Progress::report((number + static_cast<double>(fraction)) / count);
     return !Interruption::wanted;
 }
 
@@ -128,15 +107,12 @@ struct DeleteImage {
 };
 
 // Replaces the picture by the filter's work on it.
-void apply_once(const Filter& filter, bool repeat_last, Picture& picture) {
+void apply_once(const Filter& filter, bool repeat_last, Round round, Picture& picture) {
     void* result = nullptr;
     int code = -108; // stays when there is no memory for the result
-    bool done = false;
-    {
-        ProgressBar bar;
-        done = AVApplyPSFilter(filter.get(), repeat_last, on_progress, &bar, picture.pixels.data(),
-                               picture.width, picture.height, picture.row_bytes(), &result, &code) != 0;
-    }
+    const bool done =
+        AVApplyPSFilter(filter.get(), repeat_last, on_progress, &round, picture.pixels.data(), picture.width,
+                        picture.height, picture.row_bytes(), &result, &code) != 0;
     const std::unique_ptr<void, DeleteImage> owner(result);
     constexpr int cancelled = -128;
     if (Interruption::wanted || code > 0 || code == cancelled)
@@ -150,6 +126,14 @@ void apply_once(const Filter& filter, bool repeat_last, Picture& picture) {
 
 void show_info(const Arguments& arguments) {
     const Filter filter(arguments.plugin);
+    if (arguments.json)
+        return JsonWriter()
+            .begin_object()
+            .member("file", arguments.plugin)
+            .member("category", filter.category())
+            .member("name", filter.name())
+            .end_object()
+            .print();
     print("category: " + filter.category() + "\nname:     " + filter.name() + "\n");
 }
 
@@ -163,31 +147,37 @@ void apply_filter(const Arguments& arguments) {
                             arguments.input + " is larger than filters can count (32767 pixels)");
     const Interruption interruption;
     for (int round = 0; round <= arguments.again; ++round)
-        apply_once(filter, arguments.repeat_last, picture);
+        apply_once(filter, arguments.repeat_last, {round, arguments.again + 1}, picture);
     write_picture(arguments.output, format, picture);
 }
 
 } // namespace
 
 void add_filter_commands(CLI::App& app) {
-    auto* group = app.add_subcommand("filter", "Image filter plug-ins (*.8bf)");
-    group->require_subcommand(1);
+    CLI::App& group = add_group(app, "filter", "Image filter plug-ins (*.8bf)");
     const auto arguments = std::make_shared<Arguments>();
+    const auto add = [&](const CommandHelp& help, void (*run)(const Arguments&)) {
+        CLI::App* const command = add_command(group, help, [=] { run(*arguments); });
+        command->add_option("PLUGIN", arguments->plugin, "Plug-in file")->required();
+        return command;
+    };
 
-    auto* info = group->add_subcommand("info", "Tell a plug-in's menu category and name");
-    info->add_option("plugin", arguments->plugin, "Plug-in file")->required();
-    info->callback([arguments] { show_info(*arguments); });
+    add_json(add({"info", "Tell a plug-in's menu category and name", {"bvutil filter info unsharp_mask.8bf"}},
+                 show_info),
+             arguments->json);
 
-    auto* apply = group->add_subcommand("apply", "Apply a plug-in to a picture");
-    apply->add_option("plugin", arguments->plugin, "Plug-in file")->required();
-    apply->add_option("input", arguments->input, "Picture to read")->required();
-    apply->add_option("output", arguments->output, "Picture to write: bmp, jpeg, gif, tiff or png")
-        ->required();
+    CLI::App* const apply =
+        add({"apply",
+             "Apply a plug-in to a picture",
+             {"bvutil filter apply auto_levels.8bf landscape.bmp clear.png",
+              "bvutil filter apply unsharp_mask.8bf landscape.bmp -o crisp.bmp --again 1 --repeat-last"},
+             "Ctrl-C cancels, and nothing is written."},
+            apply_filter);
+    apply->add_option("INPUT", arguments->input, "Picture to read")->required();
+    add_output(apply, arguments->output, "Picture to write: bmp, jpeg, gif, tiff or png")->required();
     apply->add_option("--again", arguments->again, "Apply it N more times to its own result")
         ->check(CLI::Range(0, 1000))
         ->type_name("N");
     apply->add_flag("--repeat-last", arguments->repeat_last,
                     "Ask for the settings the first time only and repeat them after that");
-    apply->footer("A bar shows the progress on a console; Ctrl-C cancels, and nothing is written.");
-    apply->callback([arguments] { apply_filter(*arguments); });
 }

@@ -2,13 +2,16 @@
 #include "bvutil/gdi_bitmaps.h"
 #include "bvutil/gdiplus_services.h"
 #include "bvutil/text_exchange.h"
+#include "tools/bvutil/command.h"
 #include "tools/bvutil/commands.h"
 #include "tools/bvutil/console.h"
 #include "tools/bvutil/drawing_surface.h"
+#include "tools/bvutil/json_writer.h"
 #include "tools/bvutil/whole_file.h"
 
 #include <CLI/CLI.hpp>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 #include <windows.h>
@@ -18,6 +21,7 @@ namespace {
 struct Arguments {
     std::string input, ground, output, format, key = "FF00FF";
     int width = 0, height = 0;
+    bool json = false;
     std::vector<int> at = {0, 0};
 };
 
@@ -42,6 +46,17 @@ COLORREF colorref_of(DWORD colour) {
 
 void show_info(const Arguments& arguments) {
     const PictureFacts facts = PictureFile(arguments.input).facts();
+    if (arguments.json)
+        return JsonWriter()
+            .begin_object()
+            .member("file", arguments.input)
+            .member("width", facts.width)
+            .member("height", facts.height)
+            .member("bits_per_pixel", facts.bits_per_pixel)
+            .member("dpi_x", facts.dots_per_inch_x)
+            .member("dpi_y", facts.dots_per_inch_y)
+            .end_object()
+            .print();
     char text[200];
     std::snprintf(text, sizeof text,
                   "size:       %d x %d\ndepth:      %d bits per pixel\nresolution: %.4g x %.4g dpi\n",
@@ -55,7 +70,18 @@ void convert(const Arguments& arguments) {
     save_bitmap(load(arguments.input)->take_bitmap(), arguments.output, format);
 }
 
+constexpr int largest_side = 20000;
+
+// A side that is no number was not taken for one: it would have become the output's name.
+void expect_side(const char* name, int side) {
+    if (side < 1 || side > largest_side)
+        throw CLI::ValidationError(name, std::to_string(side) + " is not a number of pixels from 1 to " +
+                                             std::to_string(largest_side));
+}
+
 void resize(const Arguments& arguments) {
+    expect_side("WIDTH", arguments.width);
+    expect_side("HEIGHT", arguments.height);
     const int format = format_code(arguments.format, arguments.output);
     save_bitmap(load(arguments.input)->take_bitmap(), arguments.output, format,
                 {arguments.width, arguments.height});
@@ -78,8 +104,13 @@ std::string base64_of(const std::string& path) {
 void encode(const Arguments& arguments) {
     const std::string text = base64_of(arguments.input);
     if (arguments.output.empty()) {
-        print(text + "\n");
-        return;
+        if (!arguments.json) return print(text + "\n");
+        return JsonWriter()
+            .begin_object()
+            .member("file", arguments.input)
+            .member("base64", text)
+            .end_object()
+            .print();
     }
     ReplacementFile file(arguments.output);
     file.put(text);
@@ -108,91 +139,183 @@ void combine(const Arguments& arguments) {
     save_bitmap(ground->take_bitmap(), arguments.output, format);
 }
 
-struct RegionOwner {
-    HRGN region;
-    ~RegionOwner() { DeleteObject(region); }
+// What of a picture has not one colour, as rectangles.
+class Outline {
+  public:
+    Outline(const std::string& picture, DWORD key)
+        : m_region(BvUtil_CreateRegionFromBitmap(load(picture)->take_bitmap(), key)) {
+        if (!m_region) throw CommandFailed(exit_failed, "there is not enough memory for the region");
+        m_data.resize(GetRegionData(m_region, 0, nullptr));
+        GetRegionData(m_region, static_cast<DWORD>(m_data.size()), reinterpret_cast<RGNDATA*>(m_data.data()));
+    }
+    ~Outline() { DeleteObject(m_region); }
+    Outline(const Outline&) = delete;
+    Outline& operator=(const Outline&) = delete;
+
+    HRGN region() const { return m_region; }
+    RECT box() const {
+        RECT box{};
+        GetRgnBox(m_region, &box);
+        return box;
+    }
+    std::span<const RECT> rectangles() const {
+        const auto* data = reinterpret_cast<const RGNDATA*>(m_data.data());
+        return {reinterpret_cast<const RECT*>(data->Buffer), data->rdh.nCount};
+    }
+
+  private:
+    HRGN m_region;
+    std::vector<char> m_data;
 };
 
-void outline(const Arguments& arguments) {
-    const auto picture = load(arguments.input);
-    const RegionOwner owner{BvUtil_CreateRegionFromBitmap(picture->take_bitmap(), colour_of(arguments.key))};
-    if (!owner.region) throw CommandFailed(exit_failed, "there is not enough memory for the region");
-    RECT box{};
-    GetRgnBox(owner.region, &box);
-    std::vector<char> data(GetRegionData(owner.region, 0, nullptr));
-    auto* header = reinterpret_cast<RGNDATA*>(data.data());
-    GetRegionData(owner.region, static_cast<DWORD>(data.size()), header);
-    char text[120];
-    std::snprintf(text, sizeof text, "rectangles: %lu\nbounds:     %ld, %ld to %ld, %ld\n",
-                  header->rdh.nCount, box.left, box.top, box.right, box.bottom);
-    print(text);
-    if (arguments.output.empty()) return;
+void write(JsonWriter& json, const RECT& box) {
+    json.begin_object()
+        .member("left", box.left)
+        .member("top", box.top)
+        .member("right", box.right)
+        .member("bottom", box.bottom)
+        .end_object();
+}
 
+void print_outline(const Outline& outline) {
+    const RECT box = outline.box();
+    char text[120];
+    std::snprintf(text, sizeof text, "rectangles: %zu\nbounds:     %ld, %ld to %ld, %ld\n",
+                  outline.rectangles().size(), box.left, box.top, box.right, box.bottom);
+    print(text);
+}
+
+void write_outline(const Outline& outline, const std::string& file) {
+    JsonWriter json;
+    json.begin_object().member("file", file);
+    write(json.key("bounds"), outline.box());
+    json.key("rectangles").begin_array();
+    for (const RECT& rectangle : outline.rectangles())
+        write(json, rectangle);
+    json.end_array().end_object().print();
+}
+
+// The picture paled, with the rectangles in two tints and their outline.
+void draw_outline(const Outline& outline, const Arguments& arguments) {
     const int format = format_code(arguments.format, arguments.output);
     const auto shown = load(arguments.input);
-    gdiPlusFillRect(shown->dc(), 170, 255, 255, 255, shown->width(), shown->height()); // paled
-    const auto* rectangles = reinterpret_cast<const RECT*>(header->Buffer);
+    gdiPlusFillRect(shown->dc(), 170, 255, 255, 255, shown->width(), shown->height());
     const HBRUSH tints[] = {CreateSolidBrush(RGB(160, 195, 240)), CreateSolidBrush(RGB(105, 150, 215))};
     const HBRUSH frame = CreateSolidBrush(RGB(200, 0, 0));
-    for (DWORD i = 0; i < header->rdh.nCount; ++i)
-        FillRect(shown->dc(), &rectangles[i], tints[i % 2]);
-    FrameRgn(shown->dc(), owner.region, frame, 2, 2);
+    std::size_t number = 0;
+    for (const RECT& rectangle : outline.rectangles())
+        FillRect(shown->dc(), &rectangle, tints[number++ % 2]);
+    FrameRgn(shown->dc(), outline.region(), frame, 2, 2);
     for (const HBRUSH brush : {tints[0], tints[1], frame})
         DeleteObject(brush);
     save_bitmap(shown->take_bitmap(), arguments.output, format);
 }
 
-// GDI+ from its start to its end around one command.
-template <class Command>
-auto with_gdiplus(Command command, std::shared_ptr<const Arguments> arguments) {
-    return [=] {
-        const GdiPlusSession session;
-        command(*arguments);
-    };
+void tell_region(const Arguments& arguments) {
+    const Outline outline(arguments.input, colour_of(arguments.key));
+    if (!arguments.output.empty()) draw_outline(outline, arguments);
+    if (arguments.json)
+        write_outline(outline, arguments.input);
+    else
+        print_outline(outline);
+}
+
+// The commands of the group, all on a picture.
+class Group {
+  public:
+    explicit Group(CLI::App& app)
+        : m_group(add_group(app, "image", "Pictures: BMP, JPEG, GIF, TIFF and PNG",
+                            "A picture is saved in the format of its extension, or of --format.")) {}
+
+    CLI::App* add(const CommandHelp& help, void (*run)(const Arguments&)) {
+        CLI::App* const command = add_command(m_group, help, [run, arguments = m_arguments] {
+            const GdiPlusSession session;
+            run(*arguments);
+        });
+        command->add_option("INPUT", m_arguments->input, "Picture to read")->required();
+        return command;
+    }
+    CLI::Option* add_picture(CLI::App* command) {
+        command->add_option("--format", m_arguments->format, "Format of the picture written")
+            ->check(CLI::IsMember({"bmp", "jpeg", "jpg", "gif", "tiff", "tif", "png"}, CLI::ignore_case));
+        return add_output(command, m_arguments->output, "Picture to write");
+    }
+    void add_key(CLI::App* command) {
+        command->add_option("--key", m_arguments->key, "The transparent colour, FF00FF unless given")
+            ->type_name("RRGGBB");
+    }
+    Arguments& arguments() { return *m_arguments; }
+
+  private:
+    CLI::App& m_group;
+    std::shared_ptr<Arguments> m_arguments = std::make_shared<Arguments>();
+};
+
+void add_resize(Group& group) {
+    CLI::App* const command = group.add({"resize",
+                                         "Save in another size, bicubic",
+                                         {"bvutil image resize landscape.bmp small.jpg 240 160",
+                                          "bvutil image resize landscape.bmp 240 160 -o small.jpg"}},
+                                        resize);
+    // Numbers are sides: a picture named by -o leaves the first of them to WIDTH.
+    command->validate_positionals();
+    group.add_picture(command)->required()->check(CLI::Validator(
+        [](const std::string& name) {
+            return name.find_first_not_of("-0123456789") == std::string::npos ? "a number is no picture" : "";
+        },
+        ""));
+    command->add_option("WIDTH", group.arguments().width, "Pixels")->required();
+    command->add_option("HEIGHT", group.arguments().height, "Pixels")->required();
+}
+
+void add_combine(Group& group) {
+    CLI::App* const command =
+        group.add({"transparent",
+                   "Draw it over another one, leaving out one colour",
+                   {"bvutil image transparent badge.bmp pattern.bmp on_pattern.png --key FF00FF --at 40 20"}},
+                  combine);
+    command->add_option("GROUND", group.arguments().ground, "Picture to draw on")->required();
+    group.add_picture(command)->required();
+    group.add_key(command);
+    command->add_option("--at", group.arguments().at, "Upper left corner on the ground")
+        ->expected(2)
+        ->check(CLI::Range(-32768, 32767))
+        ->type_name("X Y");
 }
 
 } // namespace
 
 void add_image_commands(CLI::App& app) {
-    auto* group =
-        app.add_subcommand("image", "Pictures: BMP, JPEG, GIF, TIFF and PNG in, the first four out");
-    group->require_subcommand(1);
-    const auto arguments = std::make_shared<Arguments>();
-    const auto add = [&](const char* name, const char* description, auto command) {
-        auto* sub = group->add_subcommand(name, description);
-        sub->add_option("input", arguments->input, "Picture to read")->required();
-        sub->callback(with_gdiplus(command, arguments));
-        return sub;
-    };
-    const auto add_output = [&](CLI::App* sub, bool required) {
-        sub->add_option("output", arguments->output, "Picture to write")->required(required);
-        sub->add_option("--format", arguments->format,
-                        "bmp, jpeg, gif, tiff or png; else the extension says it");
-    };
-    const auto add_key = [&](CLI::App* sub) {
-        sub->add_option("--key", arguments->key, "The transparent colour, FF00FF unless given")
-            ->type_name("RRGGBB");
-    };
-
-    add("info", "Tell size, depth and resolution", show_info);
-    add_output(add("convert", "Save in another format", convert), true);
-    auto* resized = add("resize", "Save in another size, bicubic", resize);
-    add_output(resized, true);
-    resized->add_option("width", arguments->width, "Pixels")->required()->check(CLI::Range(1, 20000));
-    resized->add_option("height", arguments->height, "Pixels")->required()->check(CLI::Range(1, 20000));
-    add("base64", "Print the file as Base64, or write it to a file", encode)
-        ->add_option("output", arguments->output, "Text file to write");
-    add_output(add("emboss", "Draw it as a disabled control shows it", emboss), true);
-    auto* over = add("transparent", "Draw it over another one, leaving out one colour", combine);
-    over->add_option("ground", arguments->ground, "Picture to draw on")->required();
-    add_output(over, true);
-    add_key(over);
-    over->add_option("--at", arguments->at, "Upper left corner on the ground")
-        ->expected(2)
-        ->check(CLI::Range(-32768, 32767))
-        ->type_name("X Y");
-    auto* region =
-        add("region", "Tell which rectangles hold what has not one colour, and draw them", outline);
-    add_output(region, false);
-    add_key(region);
+    Group group(app);
+    add_json(group.add({"info", "Tell size, depth and resolution", {"bvutil image info landscape.bmp"}},
+                       show_info),
+             group.arguments().json);
+    group
+        .add_picture(group.add(
+            {"convert", "Save in another format", {"bvutil image convert landscape.bmp landscape.png"}},
+            convert))
+        ->required();
+    add_resize(group);
+    CLI::App* const base64 =
+        group.add({"base64",
+                   "Print the file as Base64, or write it to a file",
+                   {"bvutil image base64 badge.bmp", "bvutil image base64 badge.bmp -o badge.txt"}},
+                  encode);
+    add_output(base64, group.arguments().output, "Text file to write");
+    add_json(base64, group.arguments().json);
+    group
+        .add_picture(group.add({"emboss",
+                                "Draw it as a disabled control shows it",
+                                {"bvutil image emboss badge.bmp embossed.png"}},
+                               emboss))
+        ->required();
+    add_combine(group);
+    CLI::App* const region = group.add(
+        {"region",
+         "Tell which rectangles hold what has not one colour, and draw them",
+         {"bvutil image region badge.bmp --key FF00FF", "bvutil image region badge.bmp -o region.png"}},
+        tell_region);
+    add_json(region, group.arguments().json);
+    group.add_picture(region);
+    group.add_key(region);
 }

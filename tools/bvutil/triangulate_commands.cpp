@@ -1,6 +1,8 @@
 // bvutil triangulate: a Delaunay triangulation of points given as text.
+#include "tools/bvutil/command.h"
 #include "tools/bvutil/commands.h"
 #include "tools/bvutil/console.h"
+#include "tools/bvutil/json_writer.h"
 #include "tools/bvutil/whole_file.h"
 
 #include "bvutil/triangulation.h"
@@ -22,6 +24,7 @@ namespace {
 
 struct Options {
     std::string points, csv, svg;
+    bool json = false;
 };
 
 std::string read_standard_input() {
@@ -176,6 +179,23 @@ void write_file(const std::string& path, std::string_view bytes) {
     file.replace();
 }
 
+// With every triangle when there is no file that has them.
+void write_json(const std::vector<float>& points, const Triangles& triangles, bool all) {
+    JsonWriter json;
+    json.begin_object().member("point_count", points.size() / 2).member("triangle_count", triangles.count());
+    if (all) {
+        json.key("triangles").begin_array();
+        for (std::size_t i = 0; i < triangles.count(); ++i) {
+            json.begin_array();
+            for (const float coordinate : triangles[i])
+                json.value(coordinate);
+            json.end_array();
+        }
+        json.end_array();
+    }
+    json.end_object().print();
+}
+
 void triangulate(const Options& options) {
     const bool from_input = options.points == "-";
     const std::vector<float> points =
@@ -184,7 +204,10 @@ void triangulate(const Options& options) {
     const Triangles triangles(points);
     if (!options.csv.empty()) write_file(options.csv, as_csv(triangles));
     if (!options.svg.empty()) write_file(options.svg, as_svg(points, triangles));
-    if (options.csv.empty() && options.svg.empty())
+    const bool printed = options.csv.empty() && options.svg.empty();
+    if (options.json)
+        write_json(points, triangles, printed);
+    else if (printed)
         print_utf8(as_csv(triangles));
     else
         print_utf8(std::to_string(points.size() / 2) + " points, " + std::to_string(triangles.count()) +
@@ -194,12 +217,18 @@ void triangulate(const Options& options) {
 } // namespace
 
 void add_triangulate_commands(CLI::App& app) {
-    CLI::App* command = app.add_subcommand("triangulate", "Triangulate points (Delaunay)");
     const auto options = std::make_shared<Options>();
+    CLI::App* const command =
+        add_command(app,
+                    {"triangulate",
+                     "Triangulate points (Delaunay)",
+                     {"bvutil triangulate survey.csv",
+                      "bvutil triangulate survey.csv --svg survey.svg --csv triangles.csv"},
+                     "Without --csv and --svg the triangles are printed."},
+                    [options] { triangulate(*options); });
     command->add_option("POINTS", options->points, "CSV file, x and y on each line; - for standard input")
         ->default_val("-");
-    command->add_option("--csv", options->csv,
-                        "Write the triangles as CSV (without --csv and --svg: print them)");
-    command->add_option("--svg", options->svg, "Draw the triangles as SVG");
-    command->callback([options] { triangulate(*options); });
+    command->add_option("--csv", options->csv, "Write the triangles as CSV")->type_name("FILE");
+    command->add_option("--svg", options->svg, "Draw the triangles as SVG")->type_name("FILE");
+    add_json(command, options->json);
 }
