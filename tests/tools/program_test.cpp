@@ -17,7 +17,8 @@ class SampleFolder {
   public:
     explicit SampleFolder(const SampleFolder* other = nullptr) {
         if (other) {
-            fs::copy(other->path(), m_dir.path());
+            for (const auto& file : fs::directory_iterator(other->path()))
+                copy(file.path());
             return;
         }
         for (const char* file : {"settings/site.env", "settings/user.env", "profiles/zeichnung.ini",
