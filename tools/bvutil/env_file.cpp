@@ -1,8 +1,9 @@
 #include "tools/bvutil/env_file.h"
 
 #include "tools/bvutil/console.h"
+#include "tools/bvutil/env_source.h"
+#include "tools/bvutil/env_syntax.h"
 #include "tools/bvutil/env_tree.h"
-#include "tools/bvutil/progress.h"
 #include "tools/bvutil/whole_file.h"
 
 #include <algorithm>
@@ -13,51 +14,6 @@ Environment::Environment(long layer_tag, EnvHandle fallback) : m_env(env_open(la
 }
 
 namespace {
-
-constexpr std::string_view text_ends = "\x1A\xFF";
-
-// A file's bytes as text mode gives them; at() tells how far the reader came.
-class ByteSource {
-  public:
-    explicit ByteSource(std::string_view bytes) : m_bytes(bytes) {}
-
-    static int BVUTIL_CALL read(void* self) { return static_cast<ByteSource*>(self)->next(); }
-    std::size_t at() const { return m_at; }
-    bool ended() const { return m_ended; }
-
-  private:
-    int next() {
-        if (m_at < m_bytes.size() && m_bytes[m_at] == '\r' && m_bytes.substr(m_at + 1).starts_with('\n'))
-            ++m_at;
-        if (m_at % 65536 == 0)
-            Progress::report(static_cast<double>(m_at) / static_cast<double>(m_bytes.size()));
-        m_ended = m_at == m_bytes.size() || text_ends.find(m_bytes[m_at]) != text_ends.npos;
-        return m_ended ? -1 : static_cast<signed char>(m_bytes[m_at++]);
-    }
-
-    std::string_view m_bytes;
-    std::size_t m_at = 0;
-    bool m_ended = false;
-};
-
-// Line and column of a byte, both from 1.
-struct FilePlace {
-    std::size_t line, column;
-};
-
-FilePlace place_of(std::size_t at, std::string_view bytes) {
-    const std::string_view before = bytes.substr(0, at);
-    const auto line = 1 + static_cast<std::size_t>(std::count(before.begin(), before.end(), '\n'));
-    const std::size_t line_begin = before.rfind('\n') + 1; // 0 when there is none
-    return {line, before.size() - line_begin + 1};
-}
-
-const char* explanation_of(std::string_view message) {
-    if (message == "Section waited") return "a section, \"[name]\", or an element should be here";
-    if (message == "Equal sign waited") return "the file ends in a name without \"=\"";
-    if (message == "Cbracesymbol waited") return "a block is open that needs its \"}\" first";
-    return "this cannot be read";
-}
 
 Unkept find_unkept(std::string_view bytes) {
     Unkept unkept;
@@ -145,16 +101,10 @@ Unkept load(EnvHandle env, const std::string& path, MessageCapture& messages) {
     const std::string bytes = read_whole_file(path);
     ByteSource source(bytes);
     const EnvStatus status = env_read(&ByteSource::read, &source, env);
-    Progress::report(-1);
     if (status == ENV_OK) return find_unkept(bytes);
     const std::string message = messages.take();
-    if (status == ENV_SYNTAX) {
-        // The character that the reader took last, or the end.
-        const auto [line, column] = place_of(source.ended() ? source.at() : source.at() - 1, bytes);
-        throw SyntaxError(path + ", line " + std::to_string(line) + ", column " + std::to_string(column) +
-                              ": " + message + ": " + explanation_of(message),
-                          line, column);
-    }
+    if (status == ENV_SYNTAX) // at the character that the reader took last, or at the end
+        throw_syntax_error(path, bytes, source.ended() ? source.at() : source.at() - 1, message, messages);
     throw CommandFailed(exit_failed, path + ": " + (message.empty() ? "out of memory" : message));
 }
 

@@ -2,7 +2,6 @@
 #pragma once
 
 #include "bvutil/env.h"
-#include "tools/bvutil/commands.h"
 #include "tools/bvutil/message_capture.h"
 
 #include <cstddef>
@@ -19,18 +18,6 @@ class Environment {
 
   private:
     EnvHandle m_env;
-};
-
-// Where a file breaks the rules of its format.
-class SyntaxError : public CommandFailed {
-  public:
-    SyntaxError(const std::string& message, std::size_t line, std::size_t column)
-        : CommandFailed(exit_bad_input, message), m_line(line), m_column(column) {}
-    std::size_t line() const { return m_line; }
-    std::size_t column() const { return m_column; }
-
-  private:
-    std::size_t m_line, m_column;
 };
 
 // What a file holds beside its sections. It is gone when the file is written again.

@@ -4,6 +4,7 @@
 #include "tools/bvutil/env_arguments.h"
 #include "tools/bvutil/env_file.h"
 #include "tools/bvutil/env_show.h"
+#include "tools/bvutil/env_syntax.h"
 #include "tools/bvutil/env_tree.h"
 #include "tools/bvutil/env_values.h"
 #include "tools/bvutil/json_writer.h"
@@ -171,8 +172,11 @@ Counts check_file(const std::string& file, MessageCapture& messages) {
 void write_failure(JsonWriter& json, const CommandFailed& failure) {
     json.member("ok", false);
     if (const auto* syntax = dynamic_cast<const SyntaxError*>(&failure))
-        json.member("line", syntax->line()).member("column", syntax->column());
-    json.member("message", failure.what());
+        json.member("line", syntax->line())
+            .member("column", syntax->column())
+            .member("message", syntax->problem());
+    else
+        json.member("message", failure.what());
 }
 
 // Every file is looked at; the last failure gives the exit code.

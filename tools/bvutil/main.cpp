@@ -46,8 +46,8 @@ void add_commands(CLI::App& app) {
     app.require_subcommand(1);
     app.get_formatter()->label("SUBCOMMAND", "COMMAND");
     app.allow_windows_style_options(false); // values and paths may begin with a slash
-    app.footer(exit_code_table() +
-               "\nbvutil help GROUP lists the commands of a group, bvutil help GROUP COMMAND shows how one is used.");
+    app.footer(exit_code_table() + "\nbvutil help GROUP lists the commands of a group, bvutil help GROUP "
+                                   "COMMAND shows how one is used.");
     add_env_commands(app);
     add_files_commands(app);
     add_where_commands(app);
