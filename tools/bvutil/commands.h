@@ -22,6 +22,7 @@ class CommandFailed : public std::runtime_error {
 };
 
 void add_calc_commands(CLI::App& app);
+void add_completion_command(CLI::App& app);
 void add_env_commands(CLI::App& app);
 void add_files_commands(CLI::App& app);
 void add_filter_commands(CLI::App& app);

@@ -87,6 +87,7 @@ void add_help_commands(CLI::App& app) {
                      {"bvutil help env get", "bvutil help exit-codes", "bvutil help --json"},
                      "With --json: the commands, how they are used, and their examples."},
                     [&app, arguments] { help(app, *arguments); });
-    command->add_option("TOPIC", arguments->topic, "The names of a command or group; or exit-codes");
+    command->add_option("TOPIC", arguments->topic, "The names of a command or group; or exit-codes")
+        ->type_name(std::string("{") + exit_codes_topic + "}");
     add_json(command, arguments->json);
 }

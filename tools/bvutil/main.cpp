@@ -56,6 +56,7 @@ void add_commands(CLI::App& app) {
     add_image_commands(app);
     add_filter_commands(app);
     add_help_commands(app);
+    add_completion_command(app);
 }
 
 ExitCode run(CLI::App& app, std::vector<std::string> arguments) {
