@@ -32,31 +32,39 @@ inline std::string program_path(const std::string& name) {
     return std::filesystem::path(self).parent_path().parent_path().string() + "\\" + name;
 }
 
-inline ProgramRun run_line(std::wstring line, const std::string& folder) {
-    const TempDir outputs;
-    SECURITY_ATTRIBUTES inherited{sizeof inherited, nullptr, TRUE};
-    const auto open = [&](const char* file, DWORD access, DWORD disposition) {
-        return CreateFileA(file, access, FILE_SHARE_READ, &inherited, disposition, 0, nullptr);
-    };
+// Runs a command line with the handles given, which are inherited; returns its exit code, or -1.
+inline int run_with(std::wstring line, const std::string& folder, HANDLE in, HANDLE out, HANDLE err) {
     STARTUPINFOW start{};
     start.cb = sizeof start;
     start.dwFlags = STARTF_USESTDHANDLES;
-    start.hStdInput = open("NUL", GENERIC_READ, OPEN_EXISTING);
-    start.hStdOutput = open(outputs.file("out").c_str(), GENERIC_WRITE, CREATE_ALWAYS);
-    start.hStdError = open(outputs.file("err").c_str(), GENERIC_WRITE, CREATE_ALWAYS);
+    start.hStdInput = in;
+    start.hStdOutput = out;
+    start.hStdError = err;
     PROCESS_INFORMATION process{};
+    if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr,
+                        std::filesystem::path(folder).c_str(), &start, &process))
+        return -1;
+    DWORD code = 0;
+    const bool ended = WaitForSingleObject(process.hProcess, 60000) == WAIT_OBJECT_0 &&
+                       GetExitCodeProcess(process.hProcess, &code);
+    if (!ended) TerminateProcess(process.hProcess, 1);
+    CloseHandle(process.hThread);
+    CloseHandle(process.hProcess);
+    return ended ? static_cast<int>(code) : -1;
+}
+
+inline ProgramRun run_line(const std::wstring& line, const std::string& folder) {
+    const TempDir outputs;
+    SECURITY_ATTRIBUTES inherited{sizeof inherited, nullptr, TRUE};
+    const auto open = [&](const std::string& file, DWORD access, DWORD disposition) {
+        return CreateFileA(file.c_str(), access, FILE_SHARE_READ, &inherited, disposition, 0, nullptr);
+    };
+    const HANDLE handles[] = {open("NUL", GENERIC_READ, OPEN_EXISTING),
+                              open(outputs.file("out"), GENERIC_WRITE, CREATE_ALWAYS),
+                              open(outputs.file("err"), GENERIC_WRITE, CREATE_ALWAYS)};
     ProgramRun run;
-    if (CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr,
-                       std::filesystem::path(folder).c_str(), &start, &process)) {
-        DWORD code = 0;
-        if (WaitForSingleObject(process.hProcess, 60000) != WAIT_OBJECT_0)
-            TerminateProcess(process.hProcess, 1);
-        else if (GetExitCodeProcess(process.hProcess, &code))
-            run.code = static_cast<int>(code);
-        CloseHandle(process.hThread);
-        CloseHandle(process.hProcess);
-    }
-    for (const HANDLE handle : {start.hStdInput, start.hStdOutput, start.hStdError})
+    run.code = run_with(line, folder, handles[0], handles[1], handles[2]);
+    for (const HANDLE handle : handles)
         CloseHandle(handle);
     run.out = read_file(outputs.file("out"));
     run.err = read_file(outputs.file("err"));
