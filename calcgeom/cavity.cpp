@@ -17,15 +17,60 @@ Edge ordered(std::uint32_t p, std::uint32_t q) {
 } // namespace
 
 std::span<const Edge> Cavity::boundary() {
-    constexpr std::size_t readable_behind = 3;
-    const std::size_t most = 3 * m_count;
-    if (m_boundary.size() < most + readable_behind) m_boundary.resize(2 * most);
+    constexpr std::size_t readable_behind = 3, worthwhile_fan = 6, few_others = 8;
+    const std::size_t most = 3 * (m_count + m_fan_size) + readable_behind;
+    if (m_boundary.size() < most) m_boundary.resize(2 * most);
+    if (m_fan_size >= worthwhile_fan && m_count <= few_others && !m_sweep.corners_coincide)
+        return {m_boundary.data(), find_boundary_of_fan()};
+
+    for (const auto& [first, second] : std::span(m_fan.data(), m_fan_size))
+        add({first, second, m_fan_point, 0});
     const std::size_t count = m_sweep.corners_coincide ? find_boundary_by_coordinates()
                               : m_count <= most_for(1) ? find_boundary_in_rows<1>()
                               : m_count <= most_for(2) ? find_boundary_in_rows<2>()
                               : m_count <= most_for(8) ? find_boundary_in_rows<8>()
                                                        : find_large_boundary();
     return {m_boundary.data(), count};
+}
+
+// The edges from the fan's point that an odd number of its triangles have.
+std::size_t Cavity::find_spokes(Edge* spokes) {
+    const std::span fan(m_fan.data(), m_fan_size);
+    std::uint8_t* const is_end = m_is_end.data();
+    for (const auto& [first, second] : fan) {
+        is_end[first] ^= 1;
+        is_end[second] ^= 1;
+    }
+    std::size_t count = 0;
+    for (const Edge& edge : fan)
+        for (const Place vertex : {edge.first, edge.second}) {
+            spokes[count] = ordered(vertex, m_fan_point);
+            count += std::exchange(is_end[vertex], std::uint8_t{0});
+        }
+    return count;
+}
+
+// Few triangles besides those of the fan: none of them has the fan's point, which is newer than they are, so
+// spokes concern the fan alone, and its other edges are boundary unless one of the few has them, too.
+std::size_t Cavity::find_boundary_of_fan() {
+    Edge* const boundary = m_boundary.data();
+    std::size_t count = m_fan_size;
+    std::copy_n(m_fan.data(), count, boundary);
+    const auto toggle = [&](Place p, Place q) {
+        const Edge edge = ordered(p, q);
+        Edge* const same = std::find(boundary, boundary + count, edge);
+        if (same == boundary + count) {
+            boundary[count++] = edge;
+        } else {
+            *same = boundary[--count];
+        }
+    };
+    for (const auto& [v1, v2, v3, node] : std::span(m_triangles.data(), m_count)) {
+        toggle(v1, v2);
+        toggle(v2, v3);
+        toggle(v3, v1);
+    }
+    return count + find_spokes(boundary + count);
 }
 
 // With edges as the bits of a triangular matrix over the cavity's vertices, in rows of so many words.
@@ -53,7 +98,7 @@ std::size_t Cavity::find_boundary_in_rows() {
     };
     for (std::size_t i = 0; i < m_count; ++i) {
         if (numbered + 3 > words * word_bits) return find_large_boundary();
-        const auto [v1, v2, v3, unused] = m_triangles[i];
+        const auto [v1, v2, v3, node] = m_triangles[i];
         const unsigned n1 = number_of(v1), n2 = number_of(v2), n3 = number_of(v3);
         toggle(n1, n2);
         toggle(n2, n3);
@@ -82,7 +127,7 @@ std::size_t Cavity::find_boundary_in_rows() {
 std::size_t Cavity::find_large_boundary() {
     auto end = m_boundary.begin();
     for (std::size_t i = 0; i < m_count; ++i) {
-        const auto [v1, v2, v3, unused] = m_triangles[i];
+        const auto [v1, v2, v3, node] = m_triangles[i];
         for (const Edge& edge : {ordered(v1, v2), ordered(v2, v3), ordered(v3, v1)})
             *end++ = edge;
     }

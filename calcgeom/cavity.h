@@ -1,6 +1,7 @@
 // The triangles that a new point replaces, and the edges around them.
 #pragma once
 
+#include "calcgeom/lanes.h"
 #include "calcgeom/super_triangle.h"
 
 #include <array>
@@ -10,8 +11,9 @@
 #include <vector>
 
 // A triangle's vertices, in the order in which they are written; v3 is the point that made the triangle.
-struct alignas(16) Corners {
-    Place v1, v2, v3, unused;
+struct Corners {
+    Place v1, v2, v3;
+    std::uint32_t node; // for who keeps it
 };
 
 struct Edge {
@@ -22,12 +24,26 @@ struct Edge {
 class Cavity {
   public:
     explicit Cavity(const SweepVertices& sweep)
-        : m_sweep(sweep), m_triangles(64), m_boundary(256), m_numbers(sweep.vertices.size()) {}
+        : m_sweep(sweep), m_triangles(64), m_fan(64), m_boundary(256), m_numbers(sweep.vertices.size()),
+          m_is_end(sweep.vertices.size()) {}
 
-    void clear() { m_count = 0; }
+    void clear() { m_count = m_fan_size = 0; }
     void add(const Corners& corners) {
         if (m_count == m_triangles.size()) m_triangles.resize(2 * m_count);
         m_triangles[m_count++] = corners;
+    }
+
+    // Triangles that the sweep's latest point has made with edges, no two of them equal.
+    void begin_fan(Place point) {
+        m_fan_point = point;
+        m_fan_size = 0;
+    }
+    void add_of_fan(const Edge (&four)[4], unsigned lanes) {
+        if (m_fan_size + 4 > m_fan.size()) m_fan.resize(2 * m_fan.size());
+        const LanesOfMask& set = lanes_of[lanes];
+        for (std::size_t i = 0; i < 4; ++i)
+            m_fan[m_fan_size + i] = four[set.lanes[i]];
+        m_fan_size += set.count;
     }
 
     // The edges that an odd number of the triangles have, in no order, each once. Behind them at least three
@@ -35,6 +51,8 @@ class Cavity {
     std::span<const Edge> boundary();
 
   private:
+    std::size_t find_boundary_of_fan();
+    std::size_t find_spokes(Edge* spokes);
     template <unsigned words>
     std::size_t find_boundary_in_rows();
     std::size_t find_large_boundary();
@@ -43,6 +61,9 @@ class Cavity {
     const SweepVertices& m_sweep;
     std::vector<Corners> m_triangles;
     std::size_t m_count = 0;
+    std::vector<Edge> m_fan; // the edges opposite the fan's point
+    std::size_t m_fan_size = 0;
+    Place m_fan_point = 0;
     std::vector<Edge> m_boundary;
 
     static constexpr unsigned most_vertices = 256, word_bits = 32;
@@ -52,6 +73,8 @@ class Cavity {
     // listed there, among those of this cavity: neither list nor notes ever need clearing.
     std::array<Place, most_vertices> m_vertices{};
     std::vector<std::uint8_t> m_numbers; // of every vertex of the sweep
+    std::vector<std::uint8_t>
+        m_is_end; // of every vertex of the sweep: 1 while an odd number of spokes end there
     // A bit for each pair of numbers, in the row of the larger: set while the edge is in.
     std::array<std::uint32_t, most_vertices * most_vertices / word_bits> m_rows{};
 };

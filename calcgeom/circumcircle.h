@@ -3,6 +3,8 @@
 // estimated.
 #pragma once
 
+#include "calcgeom/lanes.h"
+
 #include <emmintrin.h>
 
 struct Vertex {
@@ -24,6 +26,15 @@ struct Circles {
     __m128 cx, cy;   // centre
     __m128 right;    // cx + r: a point beyond can no longer change the triangle
     __m128 enlarged; // r * r * 1.000001: a point whose squared distance is at most this is inside
+
+    // The lanes whose circle has the point inside. A triangle is finished as soon as a point lies beyond
+    // cx + r. As x grows and cx + r is fixed, that need not be noticed at once, but the enlarged circle may
+    // still have a later point inside: such a one must not be taken, hence the second comparison.
+    unsigned inside(__m128 x, __m128 y) const {
+        const __m128 dx = _mm_sub_ps(x, cx), dy = _mm_sub_ps(y, cy);
+        const __m128 squared = _mm_add_ps(_mm_mul_ps(dx, dx), _mm_mul_ps(dy, dy));
+        return mask_of(_mm_and_ps(_mm_cmpge_ps(enlarged, squared), _mm_cmpngt_ps(x, right)));
+    }
 };
 
 inline __m128 select(__m128 mask, __m128 if_set, __m128 if_clear) {
@@ -68,7 +79,7 @@ inline Circles circumcircles(const Vertices& p1, const Vertices& p2, const Verti
     const __m128 m = select(flat12, m2, m1), mx = select(flat12, mx2, mx1), my = select(flat12, my2, my1);
     c.cy = _mm_add_ps(_mm_mul_ps(m, _mm_sub_ps(c.cx, mx)), my);
     const __m128 level = _mm_and_ps(flat12, flat23);
-    if (_mm_movemask_ps(level)) {
+    if (mask_of(level)) {
         c.cx = select(level, middle_on_line(x1, x2, x3), c.cx);
         c.cy = select(level, y1, c.cy);
     }

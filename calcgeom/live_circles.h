@@ -23,9 +23,8 @@ class LiveCircles {
     bool slab_ends_before(Place point) const { return point >= m_slab_end || m_size > m_most_circles; }
     void begin_slab(Place first);
 
-    // Files the triangles of the edges and the third vertex, the sweep's current point, with their circles.
-    // Four edges are read, the first `count` count.
-    void file(const Circles& circles, const Edge* edges, Place third, std::size_t count);
+    // Files the triangles in some lanes of four. The points to come have an x of at least `from_x`.
+    void file(const Circles& circles, const Corners* corners, unsigned lanes, float from_x);
     // Moves the triangles whose circle has the point inside into the cavity.
     void take_around(const Vertex& point, Cavity& cavity);
 
@@ -38,6 +37,10 @@ class LiveCircles {
     struct alignas(64) Block {
         float cx[4], cy[4], enlarged[4] = {-1, -1, -1, -1}, right[4];
         Corners corners[4];
+
+        Circles circles() const {
+            return {_mm_load_ps(cx), _mm_load_ps(cy), _mm_load_ps(right), _mm_load_ps(enlarged)};
+        }
     };
     // Only the first block of a node has free lanes, the high ones.
     struct Node {
@@ -50,10 +53,11 @@ class LiveCircles {
 
     Leaves leaves_touched(const Circles& circles, float from_x) const;
     __m128i leaf_of(__m128 y) const;
-    void file_lanes(const Circles& circles, const Corners* corners, unsigned lanes, float from_x);
-    void remove(Node& node, std::uint32_t block, unsigned lane);
-    void take_from(Node& node, __m128 x, __m128 y, Cavity& cavity);
-    std::uint32_t new_block(std::uint32_t next);
+    std::uint32_t new_place(Node& node);
+    void remove(std::uint32_t place);
+    std::size_t find_around(const Vertex& point);
+    void clear_blocks(std::size_t count);
+    void add_free_blocks(std::uint32_t first);
     unsigned circles_in(const Block& block) const;
     void measure_slab(Place first, std::size_t points);
     void add_finished(float cx, float cy, const Corners& corners);
@@ -62,9 +66,11 @@ class LiveCircles {
     std::vector<FinishedTriangle> m_finished;
     std::vector<Block> m_blocks, m_old_blocks; // the first is not used
     std::vector<std::uint32_t> m_next; // of a block: the next in its node, or of the free blocks; 0 is none
-    std::uint32_t m_used_blocks = 1, m_free_block = 0;
-    std::vector<std::uint32_t> m_hits; // circles found in a node: 4 times the block plus the lane
+    std::uint32_t m_free_block = 0, m_free_blocks = 0;
+    std::vector<std::uint32_t> m_hits; // circles found: 4 times the block plus the lane
     std::vector<Node> m_nodes;         // 1 is the root, the children of i are 2 i and 2 i + 1
+    // From a leaf to its smallest node with another one, by the bits in which the numbers of the two differ.
+    std::vector<std::uint8_t> m_levels_up;
     std::uint32_t m_leaves = 1;
     std::size_t m_size = 0, m_most_circles = 0;
     Place m_slab_end = 0;

@@ -14,23 +14,38 @@ struct Ranked {
 };
 using Run = std::vector<Ranked>::iterator;
 
-// The right edge of the triangle's circle, calculated again: only triangles of equal centres need it.
-float right_edge(const FinishedTriangle& t, const std::vector<Vertex>& vertices) {
-    const Circles circle = circumcircles(splat(vertices[t.v1]), splat(vertices[t.v2]), splat(vertices[t.v3]));
-    return _mm_cvtss_f32(circle.right);
-}
-
 // The point at which the sweep finishes the triangle: the first after its last vertex that lies beyond its
 // circle, or the end. Points beyond are the tail of the order; no point is beyond what is not a number.
-Place finishing_point(const FinishedTriangle& t, const SweepVertices& sweep) {
+Place finishing_point(const FinishedTriangle& t, float right, const SweepVertices& sweep) {
     const auto& vertices = sweep.vertices;
-    const float right = right_edge(t, vertices);
     const auto beyond = std::partition_point(vertices.begin() + static_cast<std::ptrdiff_t>(t.v3) + 1,
                                              vertices.end(), [&](const Vertex& p) { return !(p.x > right); });
     auto place = static_cast<Place>(beyond - vertices.begin());
     while (sweep.super.has(place))
         ++place; // the corners are no points of the sweep
     return place;
+}
+
+// Whether the sweep finishes s before t: by the finishing points, which need not be looked for where the
+// right edges are the same, as then the earlier triangle is not finished later. Triangles finished by the
+// same point were passed in the order of their creation: by creating point, then in the order of the edges
+// around it.
+bool finished_before(const FinishedTriangle& s, const FinishedTriangle& t, const SweepVertices& sweep) {
+    // Calculated again: only triangles of equal centres need their circles' right edges.
+    const auto gathered = [&](Place of_s, Place of_t) {
+        const Vertex &p = sweep.vertices[of_s], &q = sweep.vertices[of_t];
+        return Vertices{_mm_setr_ps(p.x, q.x, p.x, q.x), _mm_setr_ps(p.y, q.y, p.y, q.y)};
+    };
+    alignas(16) float right[4];
+    _mm_store_ps(right,
+                 circumcircles(gathered(s.v1, t.v1), gathered(s.v2, t.v2), gathered(s.v3, t.v3)).right);
+    const auto [right_of_s, right_of_t, again_s, again_t] = right;
+    if (right_of_s != right_of_t) {
+        const Place end_of_s = finishing_point(s, right_of_s, sweep);
+        const Place end_of_t = finishing_point(t, right_of_t, sweep);
+        if (end_of_s != end_of_t) return end_of_s < end_of_t;
+    }
+    return std::tie(s.v3, s.v1, s.v2) < std::tie(t.v3, t.v1, t.v2);
 }
 
 // Calls `sort_run(begin, end)` for every run of at least two elements that are `alike`.
@@ -43,17 +58,6 @@ void for_runs(Run begin, Run end, Alike alike, SortRun sort_run) {
         if (next - begin > 1) sort_run(begin, next);
         begin = next;
     }
-}
-
-// Of equal centres the one that was finished first comes first; those that were finished by the same point
-// were passed in the order of their creation: by creating point, then in the order of the edges around it.
-void sort_equal_centres(Run begin, Run end, std::span<const FinishedTriangle> triangles,
-                        const SweepVertices& sweep) {
-    const auto history = [&](const Ranked& ranked) {
-        const FinishedTriangle& t = triangles[ranked.index];
-        return std::tuple(finishing_point(t, sweep), t.v3, t.v1, t.v2);
-    };
-    std::sort(begin, end, [&](const Ranked& a, const Ranked& b) { return history(a) < history(b); });
 }
 
 } // namespace
@@ -83,7 +87,11 @@ std::vector<std::uint32_t> result_order(std::span<const FinishedTriangle> triang
     const auto equal_y = [&](const Ranked& a, const Ranked& b) { return key_of_y(a) == key_of_y(b); };
     for_runs(ranked.begin(), ranked.end(), equal_keys, [&](Run begin, Run end) {
         if (!std::is_sorted(begin, end, by_y)) std::sort(begin, end, by_y);
-        for_runs(begin, end, equal_y, [&](Run b, Run e) { sort_equal_centres(b, e, triangles, sweep); });
+        for_runs(begin, end, equal_y, [&](Run b, Run e) {
+            std::sort(b, e, [&](const Ranked& r, const Ranked& s) {
+                return finished_before(triangles[r.index], triangles[s.index], sweep);
+            });
+        });
     });
 
     std::vector<std::uint32_t> order(ranked.size());

@@ -1,0 +1,42 @@
+// The triangles that the sweep's latest point has made, before they are filed with the live circles.
+//
+// Where points follow each other closely, as the columns of a grid do, nearly all of a point's triangles are
+// replaced by the very next point. They are looked at in the order in which they were made and never filed;
+// what remains of a fan is filed when the next point has passed.
+#pragma once
+
+#include "calcgeom/cavity.h"
+#include "calcgeom/circumcircle.h"
+
+#include <cstddef>
+#include <span>
+#include <vector>
+
+class LiveCircles;
+
+class Fan {
+  public:
+    explicit Fan(const SweepVertices& sweep) : m_sweep(sweep) {}
+
+    // Moves the triangles whose circle has the point inside into the cavity, files the others; none is left.
+    void take_around(const Vertex& point, Cavity& cavity, LiveCircles& live);
+    // Files all triangles.
+    void file_all(LiveCircles& live);
+    // Triangles from the point to every edge. Three edges more may be read. Their order is the sweep's
+    // business only where centres are equal, and can be told from the vertices then.
+    void connect(Place point, std::span<const Edge> edges);
+
+  private:
+    // Four triangles. Aligned beyond what new promises: the platform's heap keeps half of that promise.
+    struct alignas(32) Block {
+        Circles circles;
+        Edge edges[4];
+        unsigned lanes; // those that hold a triangle
+    };
+    void file(const Block& block, unsigned lanes, float from_x, LiveCircles& live) const;
+
+    const SweepVertices& m_sweep;
+    std::vector<Block> m_blocks;
+    std::size_t m_used = 0;
+    Place m_point = 0;
+};
