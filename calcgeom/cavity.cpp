@@ -42,11 +42,14 @@ std::size_t Cavity::find_spokes(Edge* spokes) {
         is_end[second] ^= 1;
     }
     std::size_t count = 0;
-    for (const Edge& edge : fan)
-        for (const Place vertex : {edge.first, edge.second}) {
-            spokes[count] = ordered(vertex, m_fan_point);
-            count += std::exchange(is_end[vertex], std::uint8_t{0});
-        }
+    for (const auto& [first, second] : fan) {
+        spokes[count].first = first;
+        count += std::exchange(is_end[first], std::uint8_t{0});
+        spokes[count].first = second;
+        count += std::exchange(is_end[second], std::uint8_t{0});
+    }
+    for (Edge& spoke : std::span(spokes, count))
+        spoke = ordered(spoke.first, m_fan_point);
     return count;
 }
 
