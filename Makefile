@@ -35,8 +35,9 @@ docs:
 	@cmake/setup.sh docs
 	@docs/build.sh
 
-dist: dll docs
+dist: setup build/dll/build.ninja docs
 	@cmake/setup.sh dist
+	@cmake --build --preset dll -j $(JOBS) --target products
 	@cmake/run-wine.sh --prefix
 	@cmake/dist.sh
 	@tests/package/check.sh

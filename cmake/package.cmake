@@ -1,6 +1,11 @@
 # What cmake --install lays out, and make dist packs.
 include(CMakePackageConfigHelpers)
 
+# All that is handed out, and the painters of the pictures that it is tried on.
+add_custom_target(products)
+add_dependencies(products BvUtil BvCalc bvutil filter_auto_levels filter_unsharp_mask filter_duotone sample_badge
+                 sample_landscape)
+
 install(TARGETS BvUtil RUNTIME DESTINATION bin ARCHIVE DESTINATION lib)
 install(TARGETS BvCalc bvutil RUNTIME DESTINATION bin)
 install(FILES ${CMAKE_BINARY_DIR}/BvUtil.debug ${CMAKE_BINARY_DIR}/BvCalc.debug DESTINATION bin)

@@ -10,8 +10,7 @@ unset CMAKE_C_COMPILER_LAUNCHER CMAKE_CXX_COMPILER_LAUNCHER
 for copy in first "another/second copy"; do
     mkdir -p "$work/$copy"
     git -C "$root" archive "$commit" | tar -x -C "$work/$copy"
-    (cd "$work/$copy" && cmake --preset dll && cmake --build --preset dll -j "${JOBS:-$(nproc)}" \
-        --target BvUtil BvCalc bvutil filter_auto_levels filter_unsharp_mask filter_duotone) >"$work/log" 2>&1 ||
+    (cd "$work/$copy" && cmake --preset dll && cmake --build --preset dll -j "${JOBS:-$(nproc)}" --target products) >"$work/log" 2>&1 ||
         { tail -20 "$work/log"; exit 1; }
 done
 cd "$work/first/build/dll"
