@@ -1,6 +1,7 @@
 // The procedures that plug-ins call: buffers, handles of every maker, and display.
 #include "module/handles.h"
 #include "tests/filterhost/filter_run.h"
+#include "tests/support/canvas.h"
 
 namespace {
 
@@ -139,43 +140,34 @@ TEST_F(HostProcedures, WorkOnAnyStack) {
     EXPECT_EQ(output, image);
 }
 
+constexpr int side = 16;
+constexpr std::uint32_t background = 0x123456;
+
 class Display : public HostProcedures {
   protected:
     Display() {
-        dc.reset(CreateCompatibleDC(nullptr));
-        BITMAPINFO info{};
-        info.bmiHeader = {sizeof info.bmiHeader, side, -side, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
-        void* bits = nullptr;
-        bitmap.reset(CreateDIBSection(dc.get(), &info, DIB_RGB_COLORS, &bits, nullptr, 0));
-        pixels = static_cast<std::uint32_t*>(bits);
-        SelectObject(dc.get(), bitmap.get());
-        std::fill_n(pixels, side * side, background);
         for (std::size_t i = 0; i < sizeof source; ++i)
             source[i] = static_cast<std::uint8_t>(i);
         map.baseAddr = source;
     }
+    int display(const ps::PSPixelMap& from, const ps::VRect& area, int row = 0, int column = 0) {
+        return record.displayPixels(&from, &area, row, column, target.dc());
+    }
 
-    std::uint32_t at(int x, int y) const { return pixels[y * side + x] & 0xFFFFFF; }
-
-    static constexpr int side = 16;
-    static constexpr std::uint32_t background = 0x123456;
-    unique_bitmap bitmap;
-    unique_dc dc;
-    std::uint32_t* pixels = nullptr;
+    Canvas target{side, side, [](int, int) { return background; }};
     std::uint8_t source[256];
     ps::PSPixelMap map{1, {0, 0, 5, 5}, ps::mode_grey, 20, 1, 1, nullptr};
 };
 
 TEST_F(Display, DrawsGreyFromTheLeftEdgeOn) {
-    const ps::VRect area{1, 2, 3, 7}; // 2 rows of 5; the top is not added
     source[4] = 255;
-    EXPECT_EQ(record.displayPixels(&map, &area, 6, 3, dc.get()), 0);
+    EXPECT_EQ(display(map, {1, 2, 3, 7}, 6, 3), 0); // 2 rows of 5; the top is not added
     for (int y = 0; y < side; ++y)
         for (int x = 0; x < side; ++x) {
             const bool drawn = y >= 6 && y < 8 && x >= 3 && x < 8;
             const unsigned level = static_cast<unsigned>(20 * (y - 6) + x - 3 + 2);
             const std::uint32_t grey = source[level & 255] == 255 ? 0 : level * 0x010101;
-            EXPECT_EQ(at(x, y), drawn ? grey : background) << x << "," << y;
+            EXPECT_EQ(target.pixel(x, y), drawn ? grey : background) << x << "," << y;
         }
 }
 
@@ -183,37 +175,34 @@ TEST_F(Display, DrawsColourByColumnBytes) {
     map.imageMode = ps::mode_rgb;
     map.rowBytes = 40;
     map.colBytes = 4;
-    const ps::VRect area{1, 2, 3, 5}; // 2 rows of 3; neither edge is added
-    EXPECT_EQ(record.displayPixels(&map, &area, 1, 1, dc.get()), 0);
-    for (int y = 0; y < 2; ++y)
-        for (int x = 0; x < 3; ++x) {
-            const auto* from = source + 40 * y + 4 * x;
-            const auto colour = static_cast<std::uint32_t>(from[0] << 16 | from[1] << 8 | from[2]);
-            EXPECT_EQ(at(1 + x, 1 + y), colour) << x << "," << y;
-        }
-    EXPECT_EQ(at(4, 1), background);
-    EXPECT_EQ(at(1, 3), background);
+    EXPECT_EQ(display(map, {1, 2, 3, 5}, 1, 1), 0); // 2 rows of 3; neither edge is added
+    expect_spots(target, {{1, 1, 0x000102},
+                          {2, 1, 0x040506},
+                          {3, 1, 0x08090A},
+                          {4, 1, background},
+                          {1, 2, 0x28292A},
+                          {2, 2, 0x2C2D2E},
+                          {3, 2, 0x303132},
+                          {1, 3, background}});
 }
 
 TEST_F(Display, RefusesWhatIsMissingAndIgnoresTheRest) {
     const ps::VRect area{0, 0, 2, 2};
     EXPECT_EQ(record.displayPixels(&map, &area, 0, 0, nullptr), -30100);
-    ps::PSPixelMap wrong = map;
-    wrong.rowBytes = 0;
-    EXPECT_EQ(record.displayPixels(&wrong, &area, 0, 0, dc.get()), -30100);
-    wrong = map;
-    wrong.baseAddr = nullptr;
-    EXPECT_EQ(record.displayPixels(&wrong, &area, 0, 0, dc.get()), -30100);
-
-    wrong = map;
-    wrong.imageMode = 4;
-    EXPECT_EQ(record.displayPixels(&wrong, &area, 0, 0, dc.get()), 0);
+    ps::PSPixelMap no_rows = map, no_address = map, other_mode = map;
+    no_rows.rowBytes = 0;
+    no_address.baseAddr = nullptr;
+    other_mode.imageMode = 4;
+    EXPECT_EQ(display(no_rows, area), -30100);
+    EXPECT_EQ(display(no_address, area), -30100);
+    EXPECT_EQ(display(other_mode, area), 0);
     constexpr std::int32_t least = INT32_MIN, most = INT32_MAX;
     for (const ps::VRect& odd :
          {ps::VRect{0, 0, 0, 2}, ps::VRect{2, 2, 0, 0}, ps::VRect{least, least, most, most},
           ps::VRect{0, 0, most, most}, ps::VRect{0, most, 2, least}})
-        EXPECT_EQ(record.displayPixels(&map, &odd, 0, 0, dc.get()), 0);
-    EXPECT_EQ(std::count(pixels, pixels + side * side, background), side * side) << "nothing was drawn";
+        EXPECT_EQ(display(map, odd), 0);
+    for (int i = 0; i < side * side; ++i)
+        EXPECT_EQ(target.pixel(i % side, i / side), background) << "nothing is drawn";
 }
 
 } // namespace

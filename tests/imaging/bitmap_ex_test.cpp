@@ -1,8 +1,8 @@
 #include "bvutil/bitmap_ex.h"
 
 #include "tests/imaging/bmp_bytes.h"
-#include "tests/imaging/canvas.h"
 #include "tests/imaging/resources.h"
+#include "tests/support/canvas.h"
 #include "tests/support/temp_dir.h"
 
 #include <gtest/gtest.h>
@@ -236,16 +236,11 @@ TEST(BitmapEx, DrawsAtItsOwnSizeAndStretched) {
                                                                 "\x03\x03\x03\x04\x04\x04" + pad2)));
     Canvas target(6, 6, [](int, int) { return 0x999999u; });
     EXPECT_EQ(bmpExDraw(bitmap, target.dc()), 1);
-    EXPECT_EQ(target.pixel(0, 0), 0x030303u);
-    EXPECT_EQ(target.pixel(1, 0), 0x040404u);
-    EXPECT_EQ(target.pixel(0, 1), 0x010101u);
-    EXPECT_EQ(target.pixel(1, 1), 0x020202u);
-    EXPECT_EQ(target.pixel(2, 2), 0x999999u);
+    expect_spots(
+        target,
+        {{0, 0, 0x030303u}, {1, 0, 0x040404u}, {0, 1, 0x010101u}, {1, 1, 0x020202u}, {2, 2, 0x999999u}});
     EXPECT_EQ(bmpExDraw2(bitmap, target.dc(), 2, 2, 4, 4), 1);
-    EXPECT_EQ(target.pixel(2, 2), 0x030303u);
-    EXPECT_EQ(target.pixel(5, 3), 0x040404u);
-    EXPECT_EQ(target.pixel(3, 5), 0x010101u);
-    EXPECT_EQ(target.pixel(4, 4), 0x020202u);
+    expect_spots(target, {{2, 2, 0x030303u}, {5, 3, 0x040404u}, {3, 5, 0x010101u}, {4, 4, 0x020202u}});
 }
 
 TEST(BitmapEx, DrawsWhateverSizeTheHeaderClaims) {

@@ -1,7 +1,7 @@
 #include "bvutil/gdi_bitmaps.h"
 
-#include "tests/imaging/canvas.h"
 #include "tests/imaging/resources.h"
+#include "tests/support/canvas.h"
 
 #include <gtest/gtest.h>
 
@@ -55,11 +55,6 @@ TEST(RegionFromBitmap, ComparesTheKeyInTheOrderBlueGreenRed) {
     EXPECT_EQ(GetRgnBox(region.get(), &box), NULLREGION);
 }
 
-TEST(RegionFromBitmap, RefusesWhatIsNoBitmap) {
-    EXPECT_EQ(BvUtil_CreateRegionFromBitmap(nullptr, 0), nullptr);
-    EXPECT_EQ(BvUtil_CreateRegionFromBitmap(static_cast<HBITMAP>(GetStockObject(WHITE_BRUSH)), 0), nullptr);
-}
-
 std::uint32_t system_colour(int index) {
     const DWORD colour = GetSysColor(index);
     return static_cast<std::uint32_t>(RGB(GetBValue(colour), GetGValue(colour), GetRValue(colour)));
@@ -109,8 +104,10 @@ TEST(TransparentBitmap, LeavesTheTargetWhereTheKeyIs) {
     }
 }
 
-TEST(GdiBitmaps, RefuseNullHandles) {
+TEST(GdiBitmaps, RefuseNullAndOtherHandles) {
     Canvas canvas(2, 2);
+    EXPECT_EQ(BvUtil_CreateRegionFromBitmap(nullptr, 0), nullptr);
+    EXPECT_EQ(BvUtil_CreateRegionFromBitmap(static_cast<HBITMAP>(GetStockObject(WHITE_BRUSH)), 0), nullptr);
     EXPECT_EQ(BvUtil_DrawEmbossedBitmap(nullptr, 0, 0, 2, 2, canvas.bitmap(), 0, 0), 0);
     EXPECT_EQ(BvUtil_DrawEmbossedBitmap(canvas.dc(), 0, 0, 2, 2, nullptr, 0, 0), 0);
     EXPECT_EQ(BvUtil_DrawTransparentBitmap(nullptr, canvas.bitmap(), 0, 0, 0), 0);

@@ -1,8 +1,8 @@
 #include "bvutil/gdiplus_services.h"
 
 #include "imaging/gdiplus_objects.h"
-#include "tests/imaging/canvas.h"
 #include "tests/imaging/resources.h"
+#include "tests/support/canvas.h"
 #include "tests/support/temp_dir.h"
 
 #include <gtest/gtest.h>
@@ -120,54 +120,34 @@ TEST_F(GdiPlus, ImportsPureWhiteAsTransparentOnWhite) {
 
 TEST_F(GdiPlus, ImportsRowsByFormat) {
     const BYTE rows[] = {1, 2, 3, 4, 5, 6, 7, 8, 11, 12, 13, 14, 15, 16, 17, 18}; // two rows of eight bytes
+    const std::vector<Argb> of_3 = {0xFF030201, 0xFF060504, 0xFF0D0C0B, 0xFF100F0E};
+    const std::vector<Argb> of_4 = {0xFF030201, 0xFF070605, 0xFF0D0C0B, 0xFF11100F};
+    const std::vector<Argb> flipped = {0xFF0D0C0B, 0xFF100F0E, 0xFF030201, 0xFF060504};
+    constexpr int bits_24 = -1;
     const struct {
-        const char* name;
-        int (*make)(const BYTE*, BvUtilImage*);
+        int format, target_stride; // of gdiPlusGetBitmapEx; 0 for the functions without one
+        BYTE alpha;
         std::vector<Argb> expected;
-        Gdiplus::PixelFormat format;
+        Gdiplus::PixelFormat pixel_format;
     } cases[] = {
-        {"24 bits",
-         [](const BYTE* b, BvUtilImage* out) {
-             return gdiPlusGetBitmap24BPPRGB(2, 2, 8, 99, const_cast<BYTE*>(b), out);
-         },
-         {0xFF030201, 0xFF060504, 0xFF0D0C0B, 0xFF100F0E},
-         PixelFormat24bppRGB},
-        {"format 0",
-         [](const BYTE* b, BvUtilImage* out) { return gdiPlusGetBitmap(2, 2, 8, 0, b, out); },
-         {0xFF030201, 0xFF060504, 0xFF0D0C0B, 0xFF100F0E},
-         PixelFormat24bppRGB},
-        {"format 1",
-         [](const BYTE* b, BvUtilImage* out) { return gdiPlusGetBitmap(2, 2, 8, 1, b, out); },
-         {0xFF030201, 0xFF070605, 0xFF0D0C0B, 0xFF11100F},
-         PixelFormat32bppRGB},
-        {"format 7",
-         [](const BYTE* b, BvUtilImage* out) { return gdiPlusGetBitmap(2, 2, 8, 7, b, out); },
-         {0xFF030201, 0xFF070605, 0xFF0D0C0B, 0xFF11100F},
-         PixelFormat32bppARGB},
-        {"ex, format 0",
-         [](const BYTE* b, BvUtilImage* out) { return gdiPlusGetBitmapEx(2, 2, 8, 3, 0, 4, b, out); },
-         {0xFF030201, 0xFF060504, 0xFF0D0C0B, 0xFF100F0E},
-         PixelFormat24bppRGB},
-        {"ex, format 1, flipped",
-         [](const BYTE* b, BvUtilImage* out) { return gdiPlusGetBitmapEx(2, 2, 8, 12, 1, 4, b, out); },
-         {0xFF0D0C0B, 0xFF100F0E, 0xFF030201, 0xFF060504},
-         PixelFormat32bppRGB},
-        {"ex, format 2, opaque",
-         [](const BYTE* b, BvUtilImage* out) { return gdiPlusGetBitmapEx(2, 2, 8, 8, 2, 255, b, out); },
-         {0xFF0D0C0B, 0xFF100F0E, 0xFF030201, 0xFF060504},
-         PixelFormat32bppARGB},
-        {"ex, format 2, no alpha",
-         [](const BYTE* b, BvUtilImage* out) { return gdiPlusGetBitmapEx(2, 2, 8, 8, 2, 0, b, out); },
-         {0, 0, 0, 0},
-         PixelFormat32bppARGB},
+        {bits_24, 0, 0, of_3, PixelFormat24bppRGB}, {0, 0, 0, of_3, PixelFormat24bppRGB},
+        {1, 0, 0, of_4, PixelFormat32bppRGB},       {7, 0, 0, of_4, PixelFormat32bppARGB},
+        {0, 3, 4, of_3, PixelFormat24bppRGB},       {1, 12, 4, flipped, PixelFormat32bppRGB},
+        {2, 8, 255, flipped, PixelFormat32bppARGB}, {2, 8, 0, {0, 0, 0, 0}, PixelFormat32bppARGB},
     };
     for (const auto& c : cases) {
+        SCOPED_TRACE(testing::Message() << "format " << c.format << ", target stride " << c.target_stride);
         std::vector<BYTE> bits(rows, rows + sizeof rows);
         unique_image image;
-        ASSERT_EQ(c.make(bits.data(), image.put()), 1) << c.name;
+        const int made =
+            c.target_stride
+                ? gdiPlusGetBitmapEx(2, 2, 8, c.target_stride, c.format, c.alpha, bits.data(), image.put())
+            : c.format == bits_24 ? gdiPlusGetBitmap24BPPRGB(2, 2, 8, 99, bits.data(), image.put())
+                                  : gdiPlusGetBitmap(2, 2, 8, c.format, bits.data(), image.put());
+        ASSERT_EQ(made, 1);
         std::fill(bits.begin(), bits.end(), BYTE{0xEE}); // the image is independent
-        EXPECT_EQ(pixels(image), c.expected) << c.name;
-        EXPECT_EQ(image.get()->GetPixelFormat(), c.format) << c.name;
+        EXPECT_EQ(pixels(image), c.expected);
+        EXPECT_EQ(image.get()->GetPixelFormat(), c.pixel_format);
     }
 }
 
@@ -254,8 +234,7 @@ TEST_F(GdiPlus, ClearsAndFills) {
     EXPECT_EQ(gdiPlusClearGraphics(canvas.dc(), 10, 20, 30), 1);
     EXPECT_EQ(canvas.pixel(9, 9), 0x0A141Eu);
     EXPECT_EQ(gdiPlusFillRect(canvas.dc(), 255, 200, 100, 50, 4, 3), 1);
-    EXPECT_EQ(canvas.pixel(3, 2), 0xC86432u);
-    EXPECT_EQ(canvas.pixel(4, 2), 0x0A141Eu);
+    expect_spots(canvas, {{3, 2, 0xC86432u}, {4, 2, 0x0A141Eu}});
     const POINT corners[] = {{5, 5}, {9, 5}, {9, 9}, {5, 9}};
     EXPECT_EQ(gdiPlusFillPolygon(canvas.dc(), 0, 255, 1, 2, 3, corners, 4), 1);
     EXPECT_EQ(canvas.pixel(7, 7), 0x010203u);
@@ -270,8 +249,7 @@ TEST_F(GdiPlus, DrawsOneImagePixelToOneDevicePixel) {
     for (int y = 0; y < 4; ++y)
         for (int x = 0; x < 4; ++x)
             EXPECT_EQ(canvas.pixel(2 + x, 3 + y), four_colours(x, y));
-    EXPECT_EQ(canvas.pixel(1, 3), 0x777777u);
-    EXPECT_EQ(canvas.pixel(6, 7), 0x777777u);
+    expect_spots(canvas, {{1, 3, 0x777777u}, {6, 7, 0x777777u}});
     EXPECT_EQ(image.get()->GetHorizontalResolution(),
               static_cast<float>(GetDeviceCaps(canvas.dc(), LOGPIXELSX)));
 }
@@ -284,30 +262,21 @@ TEST_F(GdiPlus, DrawsOnWhite) {
 
     Canvas points(20, 20, grey);
     EXPECT_EQ(gdiPlusDrawImage2(image.get(), points.dc(), 4, 2, 20, 2, 4, 18), 1);
-    EXPECT_EQ(points.pixel(12, 4), 0xC00000u);
-    EXPECT_EQ(points.pixel(12, 15), 0x0000C0u);
-    EXPECT_EQ(points.pixel(1, 10), 0xFFFFFFu);
+    expect_spots(points, {{12, 4, 0xC00000u}, {12, 15, 0x0000C0u}, {1, 10, 0xFFFFFFu}});
 
     // From half the height on, and a quarter of it plus that half high: the lower colour, then nothing.
     Canvas part(20, 20, grey);
     EXPECT_EQ(gdiPlusDrawImage3(image.get(), part.dc(), 0, 1, 0.5f, 0), 1);
-    EXPECT_EQ(part.pixel(4, 1), 0x0000C0u);
-    EXPECT_EQ(part.pixel(4, 6), 0x0000C0u) << "the top is part of the height";
-    EXPECT_EQ(part.pixel(12, 12), 0xFFFFFFu);
+    expect_spots(part, {{4, 1, 0x0000C0u}, {4, 6, 0x0000C0u}, {12, 12, 0xFFFFFFu}});
 
     Canvas plain(20, 20, grey);
     EXPECT_EQ(gdiPlusDrawTranspImage(image.get(), plain.dc(), 3, 5), 1);
-    EXPECT_EQ(plain.pixel(3, 5), 0xC00000u);
-    EXPECT_EQ(plain.pixel(10, 12), 0x0000C0u);
-    EXPECT_EQ(plain.pixel(2, 5), 0xFFFFFFu);
+    expect_spots(plain, {{3, 5, 0xC00000u}, {10, 12, 0x0000C0u}, {2, 5, 0xFFFFFFu}});
 
     // The position is scaled too.
     Canvas print(40, 40, grey);
     EXPECT_EQ(gdiPlusPrintImage(image.get(), print.dc(), 3, 5, 2.0f, 3.0f), 1);
-    EXPECT_EQ(print.pixel(10, 17), 0xC00000u);
-    EXPECT_EQ(print.pixel(14, 33), 0x0000C0u);
-    EXPECT_EQ(print.pixel(4, 20), 0xFFFFFFu);
-    EXPECT_EQ(print.pixel(10, 13), 0xFFFFFFu);
+    expect_spots(print, {{10, 17, 0xC00000u}, {14, 33, 0x0000C0u}, {4, 20, 0xFFFFFFu}, {10, 13, 0xFFFFFFu}});
 }
 
 TEST_F(GdiPlus, RefusesNullAndWhatCannotBeMade) {

@@ -8,50 +8,33 @@
 
 namespace {
 
-struct Conversion {
-    const char* text;
-    std::string expected; // with its terminating zero; empty when the call gives 0
-};
-
-using Function = int(BVUTIL_CALL*)(const char*, char*);
-
-void check(Function convert, const Conversion& c) {
-    char out[40];
-    memset(out, '#', sizeof out);
-    EXPECT_EQ(convert(c.text, out), c.expected.empty() ? 0 : 1) << c.text;
-    EXPECT_EQ(std::string(out, c.expected.size() + 1), c.expected + '#') << c.text;
-}
-
-std::string with_zero(const std::string& text) {
-    return text + '\0';
-}
-
-TEST(TextExchange, ReducesUtf8ToLowBytes) {
-    const Conversion cases[] = {
-        {"", ""},
-        {"abc", with_zero("abc")},
-        {"\xC3\xA4\xC3\xBF", with_zero("\xE4\xFF")},
-        {"\xE2\x82\xAC", with_zero("\xAC")},                         // U+20AC
-        {"a\xC4\x80z", std::string("a\0z\0", 4)},                    // U+0100 leaves a zero byte
-        {"\xF0\x9F\x98\x80", with_zero(std::string("\x3D\x00", 2))}, // U+D83D U+DE00
-    };
-    for (const Conversion& c : cases)
-        check(ConvertFromUTF8, c);
-    EXPECT_EQ(ConvertFromUTF8(nullptr, nullptr), 0);
-    EXPECT_EQ(ConvertFromUTF8("a", nullptr), 0);
-}
-
-TEST(TextExchange, ConvertsAnsiTextToUtf8) {
+TEST(TextExchange, ConvertsToAndFromUtf8) {
     ASSERT_EQ(GetACP(), 1252u);
-    const Conversion cases[] = {{"", ""},
-                                {"abc", with_zero("abc")},
-                                {"\xE4\xFF", with_zero("\xC3\xA4\xC3\xBF")},
-                                {"\x80", with_zero("\xE2\x82\xAC")}};
-    for (const Conversion& c : cases)
-        check(ConvertToUTF8, c);
-    char out[1];
-    EXPECT_EQ(ConvertToUTF8(nullptr, out), 0);
-    EXPECT_EQ(ConvertToUTF8("a", nullptr), 0);
+    const struct {
+        int(BVUTIL_CALL* convert)(const char*, char*);
+        const char* text;
+        std::string expected; // empty: refused
+    } cases[] = {
+        {ConvertFromUTF8, "", ""},
+        {ConvertFromUTF8, "abc", "abc"},
+        {ConvertFromUTF8, "\xC3\xA4\xC3\xBF", "\xE4\xFF"},
+        {ConvertFromUTF8, "\xE2\x82\xAC", "\xAC"},            // U+20AC
+        {ConvertFromUTF8, "a\xC4\x80z", {"a\0z", 3}},         // U+0100 leaves a zero byte
+        {ConvertFromUTF8, "\xF0\x9F\x98\x80", {"\x3D\0", 2}}, // U+D83D U+DE00
+        {ConvertToUTF8, "", ""},
+        {ConvertToUTF8, "abc", "abc"},
+        {ConvertToUTF8, "\xE4\xFF", "\xC3\xA4\xC3\xBF"},
+        {ConvertToUTF8, "\x80", "\xE2\x82\xAC"},
+    };
+    for (const auto& c : cases) {
+        std::string out(40, '#');
+        const bool done = !c.expected.empty();
+        EXPECT_EQ(c.convert(c.text, out.data()), done) << c.text;
+        const std::string written = done ? c.expected + '\0' : "";
+        EXPECT_EQ(out, written + std::string(40 - written.size(), '#')) << c.text;
+        EXPECT_EQ(c.convert(nullptr, out.data()), 0);
+        EXPECT_EQ(c.convert("a", nullptr), 0);
+    }
 }
 
 TEST(TextExchange, ConvertsInPlaceAndWithoutALimit) {

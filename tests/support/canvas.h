@@ -3,6 +3,8 @@
 
 #include "module/handles.h"
 
+#include <gtest/gtest.h>
+
 #include <cstdint>
 #include <functional>
 
@@ -47,3 +49,13 @@ class Canvas {
     std::uint32_t* m_pixels = nullptr;
     HGDIOBJ m_former = nullptr;
 };
+
+struct Spot {
+    int x, y;
+    std::uint32_t colour;
+};
+
+inline void expect_spots(const Canvas& canvas, std::initializer_list<Spot> spots) {
+    for (const Spot& spot : spots)
+        EXPECT_EQ(canvas.pixel(spot.x, spot.y), spot.colour) << spot.x << ", " << spot.y;
+}
