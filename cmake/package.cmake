@@ -21,6 +21,7 @@ install(FILES ${generated}/BvUtil.pc DESTINATION lib/pkgconfig)
 
 install(FILES docs/package.md DESTINATION . RENAME README.md)
 install(DIRECTORY build/docs/html DESTINATION doc OPTIONAL)
-install(DIRECTORY samples/c samples/cpp samples/settings samples/profiles DESTINATION samples)
+install(DIRECTORY samples/c samples/cpp samples/filters samples/settings samples/profiles DESTINATION samples)
+install(FILES filterhost/filter_record.h DESTINATION samples/filterhost)
 install(FILES samples/CMakeLists.txt DESTINATION samples)
 install(FILES samples/terrain/survey.csv DESTINATION samples/terrain)

@@ -23,6 +23,9 @@ echo "== the samples, with gcc through CMake"
 cd "$package"
 run_quietly eval "$(shown sh 2)"
 "$root/tests/shown/run.sh" "$root/tests/shown/samples.txt" "$package/build" "$package/bin"
+for filter in auto_levels duotone unsharp_mask; do
+    (cd "$package/build/filters" && "$root/cmake/run-wine.sh" "$package/bin/bvutil.exe" filter info $filter.8bf)
+done
 
 echo "== a project of one's own"
 mkdir "$work/own"
