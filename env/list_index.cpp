@@ -1,149 +1,182 @@
 #include "env/list_index.h"
 
-#include <algorithm>
+#include <memory>
 
 namespace env {
 
 namespace {
 constexpr std::size_t smallest_table = 64;
 
-std::string_view name_of(const Element* element) {
-    return element->name();
+// Whether a table of so many slots is too full for so many names.
+bool is_full(std::size_t slots, std::size_t names) {
+    return names > slots / 5 * 4;
 }
 } // namespace
 
+Element* ListIndex::Slot::at(std::size_t rank) const {
+    if (!is_list()) return m_only;
+    m_all->ask_for(rank); // it may be deleted next
+    return m_all->at(rank);
+}
+
+void ListIndex::Slot::start(std::uint32_t hash, Element* element) {
+    m_hash = hash & ~list_mark;
+    m_only = element;
+}
+
+void ListIndex::Slot::join(std::size_t rank, Element* element) {
+    if (!is_list()) {
+        auto all = std::make_unique<GapList>();
+        all->append(m_only);
+        m_all = all.release();
+        m_hash |= list_mark;
+    }
+    m_all->insert(rank, element);
+}
+
+void ListIndex::Slot::leave(const Element* element) {
+    m_all->erase(m_all->find(element));
+    if (m_all->size() > 1) return;
+    Element* const only = m_all->at(0);
+    dispose();
+    m_only = only;
+    m_hash &= ~list_mark;
+}
+
+void ListIndex::Slot::dispose() {
+    if (is_list()) delete m_all;
+}
+
 ListIndex::ListIndex(const ElementList& list) {
     std::size_t slots = smallest_table;
-    while (slots < list.count + list.count / 2)
+    while (is_full(slots, list.count))
         slots *= 2;
     m_slots.resize(slots);
     for (Element* element = list.first; element; element = element->next)
         append(element);
 }
 
-ListIndex::~ListIndex() = default;
+ListIndex::~ListIndex() {
+    for (Slot& slot : m_slots)
+        slot.dispose();
+}
 
 Element* ListIndex::find(std::string_view name, std::uint32_t hash, long occurrence) const {
-    const Slot* slot = find_slot(name, hash);
-    if (!slot || occurrence < 1 || static_cast<std::size_t>(occurrence) > slot->size()) return nullptr;
-    if (!slot->all) return slot->first;
-    slot->all->hint = static_cast<std::size_t>(occurrence) - 1; // it may be deleted next
-    return slot->all->at(slot->all->hint);
+    const Slot& slot = slot_of(name, hash);
+    if (slot.is_free() || occurrence < 1 || static_cast<std::size_t>(occurrence) > slot.size())
+        return nullptr;
+    return slot.at(static_cast<std::size_t>(occurrence) - 1);
 }
 
 std::uint32_t ListIndex::count(std::string_view name, std::uint32_t hash) const {
-    const Slot* slot = find_slot(name, hash);
-    return slot ? static_cast<std::uint32_t>(slot->size()) : 0;
+    const Slot& slot = slot_of(name, hash);
+    return slot.is_free() ? 0 : static_cast<std::uint32_t>(slot.size());
 }
 
 long ListIndex::occurrence_of(const Element* element) const {
-    const std::string_view name = name_of(element);
-    const Slot* slot = find_slot(name, name_hash(name));
-    return slot->all ? static_cast<long>(slot->all->find(element)) + 1 : 1;
+    const std::string_view name = element->name();
+    return static_cast<long>(slot_of(name, name_hash(name)).find(element)) + 1;
 }
 
 Element* ListIndex::at(const ElementList& list, std::uint32_t position) {
     if (m_positions.empty()) {
         m_positions.reserve(list.count);
         for (Element* element = list.first; element; element = element->next)
-            m_positions.push_back(element);
+            m_positions.append(element);
     }
-    return m_positions[position];
+    m_positions_asked = true;
+    m_positions.ask_for(position); // it may be deleted next
+    return m_positions.at(position);
 }
 
 void ListIndex::append(Element* element) {
-    const std::string_view name = name_of(element);
+    const std::string_view name = element->name();
     const std::uint32_t hash = name_hash(name);
-    Slot& slot = slot_for(name, hash);
-    join(slot, slot.first ? slot.size() : 0, element);
-    if (!m_positions.empty()) m_positions.push_back(element);
+    Slot& slot = slot_of(name, hash);
+    if (slot.is_free())
+        start(hash, element, slot);
+    else
+        slot.join(slot.size(), element);
+    if (!m_positions.empty()) m_positions.append(element);
 }
 
 void ListIndex::insert(Element* element) {
-    m_positions.clear();
-    const std::string_view name = name_of(element);
+    if (positions_follow(element->next)) m_positions.insert(m_positions.find(element->next), element);
+    const std::string_view name = element->name();
     const std::uint32_t hash = name_hash(name);
-    Slot& slot = slot_for(name, hash);
-    join(slot, slot.first ? rank_of(slot, element) : 0, element);
+    Slot& slot = slot_of(name, hash);
+    if (slot.is_free())
+        start(hash, element, slot);
+    else
+        slot.join(rank_of(slot, element), element);
+}
+
+void ListIndex::remove(const Element* element) {
+    if (positions_follow(element)) m_positions.erase(m_positions.find(element));
+    const std::string_view name = element->name();
+    Slot& slot = slot_of(name, name_hash(name));
+    if (slot.size() == 1)
+        free_slot(slot);
+    else
+        slot.leave(element);
+}
+
+// To find a place that is not near the last one asked for takes a search: worth it when positions are asked
+// for between changes, but not for many changes in a row.
+bool ListIndex::positions_follow(const Element* element) {
+    if (m_positions.empty()) return false;
+    if (m_positions.is_near(element)) return true;
+    const bool follow = m_positions_asked;
+    m_positions_asked = false;
+    if (!follow) m_positions.clear();
+    return follow;
 }
 
 // Where a new element of the list belongs among its namesakes: next to the nearest one, looked for in both
 // directions at once.
 std::size_t ListIndex::rank_of(const Slot& slot, const Element* element) const {
-    const auto rank = [&](const Element* namesake) { return slot.all ? slot.all->find(namesake) : 0; };
-    const std::string_view name = name_of(element);
+    const std::string_view name = element->name();
     const Element* behind = element->next;
     const Element* in_front = element->previous;
     for (; behind && in_front; behind = behind->next, in_front = in_front->previous) {
-        if (behind->is_named(name, element->hash)) return rank(behind);
-        if (in_front->is_named(name, element->hash)) return rank(in_front) + 1;
+        if (behind->is_named(name, element->hash)) return slot.find(behind);
+        if (in_front->is_named(name, element->hash)) return slot.find(in_front) + 1;
     }
     // One end of the list is reached: all namesakes lie on the other side.
     return behind ? 0 : slot.size();
 }
 
-void ListIndex::remove(const Element* element) {
-    if (!m_positions.empty()) {
-        if (m_positions.back() == element)
-            m_positions.pop_back();
-        else
-            m_positions.clear();
-    }
-    const std::string_view name = name_of(element);
-    Slot* slot = find_slot(name, name_hash(name));
-    if (!slot->all) return free_slot(*slot);
-    slot->all->erase(slot->all->find(element));
-    slot->first = slot->all->at(0);
-    if (slot->all->size() == 1) slot->all.reset();
-}
-
-// The element joins its namesakes in front of the one with this rank.
-void ListIndex::join(Slot& slot, std::size_t rank, Element* element) {
-    if (!slot.first) {
-        slot.first = element;
-        slot.hash = name_hash(name_of(element));
-        ++m_used;
-        return;
-    }
-    if (!slot.all) {
-        auto all = std::make_unique<SameNamed>();
-        all->members.push_back(slot.first);
-        slot.all = std::move(all);
-    }
-    auto& members = slot.all->members;
-    members.insert(members.begin() + static_cast<std::ptrdiff_t>(slot.all->removed_in_front + rank), element);
-    slot.first = slot.all->at(0);
-}
-
-ListIndex::Slot* ListIndex::find_slot(std::string_view name, std::uint32_t hash) const {
+ListIndex::Slot& ListIndex::slot_of(std::string_view name, std::uint32_t hash) const {
     const std::size_t mask = m_slots.size() - 1;
-    for (std::size_t i = hash & mask;; i = (i + 1) & mask) {
+    for (std::size_t i = hash >> 1 & mask;; i = (i + 1) & mask) {
         Slot& slot = m_slots[i];
-        if (!slot.first) return nullptr;
-        if (slot.hash == hash && slot.first->is_named(name, slot.first->hash)) return &slot;
+        if (slot.is_free()) return slot;
+        if (!slot.has(hash)) continue;
+        const Element* const first = slot.first();
+        if (first->is_named(name, first->hash)) return slot;
     }
 }
 
-ListIndex::Slot& ListIndex::slot_for(std::string_view name, std::uint32_t hash) {
-    if (Slot* slot = find_slot(name, hash)) return *slot;
-    if ((m_used + 1) * 3 > m_slots.size() * 2) grow();
-    const std::size_t mask = m_slots.size() - 1;
-    std::size_t i = hash & mask;
-    while (m_slots[i].first)
-        i = (i + 1) & mask;
-    return m_slots[i];
+void ListIndex::start(std::uint32_t hash, Element* element, Slot& slot) {
+    if (is_full(m_slots.size(), m_used + 1)) {
+        grow();
+        slot_of(element->name(), hash).start(hash, element);
+    } else {
+        slot.start(hash, element);
+    }
+    ++m_used;
 }
 
 void ListIndex::grow() {
     std::vector<Slot> former(m_slots.size() * 2);
     former.swap(m_slots);
     const std::size_t mask = m_slots.size() - 1;
-    for (Slot& slot : former) {
-        if (!slot.first) continue;
-        std::size_t i = slot.hash & mask;
-        while (m_slots[i].first)
+    for (const Slot& slot : former) {
+        if (slot.is_free()) continue;
+        std::size_t i = slot.home(mask);
+        while (!m_slots[i].is_free())
             i = (i + 1) & mask;
-        m_slots[i] = std::move(slot);
+        m_slots[i] = slot;
     }
 }
 
@@ -151,34 +184,14 @@ void ListIndex::grow() {
 void ListIndex::free_slot(Slot& slot) {
     const std::size_t mask = m_slots.size() - 1;
     std::size_t hole = static_cast<std::size_t>(&slot - m_slots.data());
+    m_slots[hole].dispose();
     m_slots[hole] = Slot{};
     --m_used;
-    for (std::size_t i = (hole + 1) & mask; m_slots[i].first; i = (i + 1) & mask) {
-        const std::size_t home = m_slots[i].hash & mask;
-        if (((i - home) & mask) < ((i - hole) & mask)) continue;
-        m_slots[hole] = std::move(m_slots[i]);
+    for (std::size_t i = (hole + 1) & mask; !m_slots[i].is_free(); i = (i + 1) & mask) {
+        if (((i - m_slots[i].home(mask)) & mask) < ((i - hole) & mask)) continue;
+        m_slots[hole] = m_slots[i];
         m_slots[i] = Slot{};
         hole = i;
-    }
-}
-
-std::size_t ListIndex::SameNamed::find(const Element* element) const {
-    // Walks ask for one element after the other, and a deletion for the one just found.
-    for (std::size_t near = hint; near < size() && near < hint + 2; ++near)
-        if (at(near) == element) return hint = near;
-    const auto begin = members.begin() + static_cast<std::ptrdiff_t>(removed_in_front);
-    return hint = static_cast<std::size_t>(std::find(begin, members.end(), element) - begin);
-}
-
-void ListIndex::SameNamed::erase(std::size_t i) {
-    if (i > 0) {
-        members.erase(members.begin() + static_cast<std::ptrdiff_t>(removed_in_front + i));
-        return;
-    }
-    ++removed_in_front;
-    if (removed_in_front > members.size() / 2) {
-        members.erase(members.begin(), members.begin() + static_cast<std::ptrdiff_t>(removed_in_front));
-        removed_in_front = 0;
     }
 }
 

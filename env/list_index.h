@@ -3,10 +3,10 @@
 #pragma once
 
 #include "env/element.h"
+#include "env/gap_list.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <string_view>
 #include <vector>
 
@@ -44,35 +44,48 @@ class ListIndex {
   private:
     friend class StoreCheck; // of the tests
 
-    // All elements of one name; the first alone is held in the slot.
-    struct SameNamed {
-        std::vector<Element*> members;
-        std::size_t removed_in_front = 0; // taking away the first is frequent: no shifting then
-        mutable std::size_t hint = 0;     // where the last element asked for was
+    // All elements of one name. Small: a long list's slots should stay in the processor's cache.
+    class Slot {
+      public:
+        bool is_free() const { return !m_only; }
+        Element* first() const { return is_list() ? m_all->at(0) : m_only; }
+        std::size_t size() const { return is_list() ? m_all->size() : 1; }
+        Element* at(std::size_t rank) const;
+        std::size_t find(const Element* element) const { return is_list() ? m_all->find(element) : 0; }
+        bool has(std::uint32_t hash) const { return (m_hash | list_mark) == (hash | list_mark); }
+        std::size_t home(std::size_t mask) const { return m_hash >> 1 & mask; }
 
-        std::size_t size() const { return members.size() - removed_in_front; }
-        Element* at(std::size_t i) const { return members[removed_in_front + i]; }
-        std::size_t find(const Element* element) const;
-        void erase(std::size_t i);
+        void start(std::uint32_t hash, Element* element);
+        // The element joins its namesakes in front of the one with this rank.
+        void join(std::size_t rank, Element* element);
+        // Not the only one.
+        void leave(const Element* element);
+        void dispose();
+
+      private:
+        static constexpr std::uint32_t list_mark = 1;
+        bool is_list() const { return m_hash & list_mark; }
+
+        std::uint32_t m_hash = 0; // the lowest bit gives way to the mark
+        union {
+            Element* m_only = nullptr; // null: the slot is free
+            GapList* m_all;
+        };
     };
-    struct Slot {
-        std::uint32_t hash = 0;
-        Element* first = nullptr;       // null: the slot is free
-        std::unique_ptr<SameNamed> all; // null while there is one element of the name
 
-        std::size_t size() const { return all ? all->size() : 1; }
-    };
-
-    Slot* find_slot(std::string_view name, std::uint32_t hash) const;
-    Slot& slot_for(std::string_view name, std::uint32_t hash);
+    // The slot of a name; a free one, where the name belongs, when it has none.
+    Slot& slot_of(std::string_view name, std::uint32_t hash) const;
+    void start(std::uint32_t hash, Element* element, Slot& slot);
     void free_slot(Slot& slot);
     void grow();
     std::size_t rank_of(const Slot& slot, const Element* element) const;
-    void join(Slot& slot, std::size_t rank, Element* element);
+    // Whether the positions, if there are any, shall follow a change at an element.
+    bool positions_follow(const Element* element);
 
     mutable std::vector<Slot> m_slots; // linear probing, a power of two
     std::uint32_t m_used = 0;
-    std::vector<Element*> m_positions; // in order; empty until at() is asked, and after a change inside
+    GapList m_positions;            // empty until at() is asked
+    bool m_positions_asked = false; // since the last change somewhere else
 };
 
 } // namespace env
