@@ -89,12 +89,38 @@ void one_name(long count, bool from_the_back) {
     EXPECT_EQ(env_count_elements(env, "S", nullptr, 1), 0);
 }
 
+// Going through a list by position or occurrence, every other element is deleted, or gets one in front.
+void changed_on_the_way(long count) {
+    const Env env;
+    for (long i = 1; i <= count; ++i) {
+        env_put(env, "S", path_of("n", i).c_str(), "value");
+        env_put(env, "T", std::string("n").append(std::to_string(i)).c_str(), "value");
+    }
+    long pos = 1;
+    const char* name = "";
+    for (long i = 0; i < count; ++i, ++pos) {
+        env_get_core(env, "T", nullptr, 1, pos, nullptr, &name, nullptr, nullptr);
+        if (i % 3 == 0) {
+            env_delete(env, "T", name);
+            --pos;
+        } else {
+            env_insert_before(env, "T", name, "new");
+            ++pos;
+        }
+        env_delete(env, "S", path_of("n", 1 + i / 2).c_str());
+    }
+    EXPECT_EQ(env_count_elements(env, "T", nullptr, 1), pos - 1);
+    EXPECT_EQ(env_get_core(env, "T", nullptr, 1, pos - 1, nullptr, &name, nullptr, nullptr), ENV_IS_DATA);
+    EXPECT_EQ(name, std::string("n").append(std::to_string(count - 1))); // the last is deleted
+}
+
 TEST(Scale, GrowsWithTheSize) {
     const struct {
         const char* name;
         void (*work)(long);
     } cases[] = {
         {"different names", different_names},
+        {"changed on the way", changed_on_the_way},
         {"one name, deleted from the front", [](long count) { one_name(count, false); }},
         {"one name, deleted from the back", [](long count) { one_name(count, true); }},
     };
