@@ -22,6 +22,11 @@ TEST(CalcCommand, EvaluatesAndExplains) {
     EXPECT_EQ(run.code, 2);
     EXPECT_EQ(run.out, "2 1/2\n1 1/4\n");
     EXPECT_EQ(run.err, "bvutil: 1/0: division by zero at position 2\n");
+    const ProgramRun json = run_program(
+        "bvutil.exe", {"calc", "--json", "--form", "fixed", "--digits", "3", "1/8", "1/0"}, folder.path());
+    EXPECT_EQ(json.code, 2);
+    EXPECT_EQ(json.out, "[{\"expression\":\"1/8\",\"value\":0.125,\"text\":\"0.125\"}]\n")
+        << "closed after a failure";
     FreeLibrary(component);
 }
 

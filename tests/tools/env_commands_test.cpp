@@ -137,6 +137,7 @@ TEST_F(EnvCommands, FindsWhereAFileIsBroken) {
         {"[S]\n a = {\n b", "line 3, column 2", "Equal sign waited: the name 'b' has no", " b\n   ^"},
         {"[S]\n a = " + many + "\n = 1", "line 3, column 2", "Section " + nameless, " = 1\n   ^"},
         {"[S]\n a = {\n = 1", "line 3, column 2", "Cbracesymbol " + nameless, " = 1\n   ^"},
+        {"[S]\n a\x01 = {\n[T]\n", "line 3, column 1", "Cbracesymbol waited: a block is open", "[T]\n  ^"},
         {"[S] a = b\\\n }\n}", "line 3, column 1", "Section waited: this '}' closes no block", "}\n  ^"},
     };
     for (const auto& [text, place, problem, shown] : cases) {

@@ -52,6 +52,21 @@ TEST(FilesCommands, PrintAndChangeWhatIsThere) {
          0,
          "...\nbyte order          not stated: no header\ndata                4 bytes from byte 0\n"},
         {{"fio", "info", "none.dat"}, 3, ""},
+        {{"ini", "get", "new.ini", "N", "k", "--json"},
+         0,
+         "{\"file\":\"new.ini\",\"section\":\"N\",\"key\":\"k\",\"value\":\"v\"}\n"},
+        {{"ini", "get", "p.ini", "A", "x", "--as", "doubles", "--json"}, 0, "...\"value\":[1,5]}\n"},
+        {{"ini", "list", "p.ini", "B", "--json"},
+         0,
+         "{\"file\":\"p.ini\",\"sections\":[{\"name\":\"B\",\"values\":["
+         "{\"key\":\"y\",\"value\":\"/3 4\"}]}]}\n"},
+        {{"material", "show", "m.mat", "--json"},
+         0,
+         "...,\"exponent\":4,\"shading_constants\":[-0.125,7.111111,8],\"bits\":6,\"test_texture\":null}\n"},
+        {{"fio", "info", "d.dat", "--json"},
+         0,
+         "...,\"byte_order\":\"big-endian\",\"data_begin\":16,\"data_size\":4}\n"},
+        {{"fio", "info", "plain.dat", "--json"}, 0, "...,\"byte_order\":null,\"data_begin\":0,"},
     };
     for (const auto& [arguments, code, out] : cases) {
         const ProgramRun run = run_program("bvutil.exe", arguments, dir.path());

@@ -68,6 +68,14 @@ TEST_F(ImageCommands, CombineAndOutline) {
     EXPECT_EQ(image({"region", "in.bmp", "out.bmp"}).out, "rectangles: 2\nbounds:     0, 0 to 4, 1\n");
     EXPECT_EQ(image({"region", "in.bmp", "--key", "102030"}).out,
               "rectangles: 1\nbounds:     1, 0 to 4, 1\n");
+    EXPECT_EQ(
+        image({"region", "in.bmp", "--json"}).out,
+        "{\"file\":\"in.bmp\",\"bounds\":{\"left\":0,\"top\":0,\"right\":4,\"bottom\":1},\"rectangles\":["
+        "{\"left\":0,\"top\":0,\"right\":1,\"bottom\":1},{\"left\":3,\"top\":0,\"right\":4,\"bottom\":1}]}"
+        "\n");
+    EXPECT_TRUE(image({"info", "in.bmp", "--json"})
+                    .out.starts_with(
+                        "{\"file\":\"in.bmp\",\"width\":4,\"height\":1,\"bits_per_pixel\":24,\"dpi_x\":"));
     EXPECT_EQ(image({"emboss", "in.bmp", "out.bmp"}).code, 0);
 }
 

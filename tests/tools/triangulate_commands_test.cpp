@@ -20,6 +20,17 @@ TEST(TriangulateCommand, ReadsPointsAndWritesTrianglesAndAPicture) {
               std::string::npos);
 }
 
+TEST(TriangulateCommand, PrintsJson) {
+    const TempDir folder;
+    write_file(folder.file("p.csv"), "0,0\n1,0\n0,0.1\n");
+    const std::string counts = "{\"point_count\":3,\"triangle_count\":1";
+    EXPECT_EQ(run_program("bvutil.exe", {"triangulate", "p.csv", "--json"}, folder.path()).out,
+              counts + ",\"triangles\":[[0,0,0,0.1,1,0]]}\n");
+    EXPECT_EQ(
+        run_program("bvutil.exe", {"triangulate", "p.csv", "--json", "--csv", "t.csv"}, folder.path()).out,
+        counts + "}\n");
+}
+
 TEST(TriangulateCommand, RefusesWhatAreNotPoints) {
     const TempDir folder;
     for (const char* line : {"1", "1,a", "1e99,0", "nan,0", "1 2x", ",1,2"}) {

@@ -11,6 +11,7 @@ TEST(WhereCommand, ShowsWhatThereIsAndDoesNotWait) {
     const ProgramRun without = run_program("bvutil.exe", {"where"}, folder.path());
     write_file(mb.file("mb4.ini"), "");
     const ProgramRun with = run_program("bvutil.exe", {"where"}, folder.path());
+    const ProgramRun json = run_program("bvutil.exe", {"where", "--json"}, folder.path());
     SetEnvironmentVariableA("MB", nullptr);
 
     // Another program's file in C:\ would count too.
@@ -21,6 +22,8 @@ TEST(WhereCommand, ShowsWhatThereIsAndDoesNotWait) {
         << with.out;
     EXPECT_NE(with.out.find("\\Brenvik Morvane +2011\\Programm\n"), std::string::npos);
     EXPECT_NE(with.out.find("\nsystem version      6.1\n"), std::string::npos);
+    EXPECT_NE(json.out.find("\\mb4.ini\",\"program_data\":\""), std::string::npos) << json.out;
+    EXPECT_TRUE(json.out.ends_with("\",\"system_version\":\"6.1\"}\n")) << json.out;
 }
 
 } // namespace

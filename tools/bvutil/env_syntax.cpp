@@ -118,10 +118,12 @@ Finding find_cause(std::string_view bytes, std::size_t at, const std::string& me
     const char found = at < bytes.size() ? bytes[at] : '\0';
     if (found == '=') return {at, "there is no name in front of this \"=\""};
     if (message == "Section waited" && found == '}') return {at, "this \"}\" closes no block"};
-    if (bytes.size() <= largest_searched) {
-        if (message == "Equal sign waited") return find_name_without_end(bytes, messages);
-        if (message == "Cbracesymbol waited") return find_open_block(bytes, at, messages);
-    }
+    if (bytes.size() <= largest_searched) try {
+            if (message == "Equal sign waited") return find_name_without_end(bytes, messages);
+            if (message == "Cbracesymbol waited") return find_open_block(bytes, at, messages);
+        } catch (const CommandFailed&) {
+            // A name that no walk can pass, or no memory: what is known without a search has to do.
+        }
     if (message == "Equal sign waited") return {at, "the file ends in a name without \"=\""};
     if (message == "Cbracesymbol waited") return {at, "a block is open that needs its \"}\" before this"};
     return {at, "a section, \"[name]\", or an element should be here"};
@@ -159,11 +161,6 @@ SyntaxError::SyntaxError(const std::string& file, std::string_view bytes, std::s
 void throw_syntax_error(const std::string& file, std::string_view bytes, std::size_t at,
                         const std::string& message, MessageCapture& messages) {
     bytes = bytes.substr(0, bytes.find_first_of(text_ends));
-    Finding finding{at, message};
-    try {
-        finding = find_cause(bytes, at, message, messages);
-    } catch (const CommandFailed&) {
-        // A name that no walk can pass: the reader's own words have to do.
-    }
+    const Finding finding = find_cause(bytes, at, message, messages);
     throw SyntaxError(file, bytes, finding.at, message + ": " + finding.problem);
 }

@@ -2,13 +2,19 @@
 
 #include "tools/bvutil/console.h"
 
+#include <system_error>
+
 using namespace std::chrono_literals;
 
 Progress::Progress(std::string label) : m_label(std::move(label)) {
     if (!error_output_is_console()) return;
     s_fraction = -1.0f;
-    s_current = this;
-    m_drawer = std::thread([this] { draw_until_done(); });
+    try {
+        m_drawer = std::thread([this] { draw_until_done(); });
+        s_current = this;
+    } catch (const std::system_error&) {
+        // Without a thread to spare the work goes on unseen.
+    }
 }
 
 Progress::~Progress() {
