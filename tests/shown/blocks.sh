@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Checks that no code in a document is dead text:  tests/shown/blocks.sh DOCUMENT...
 # Every block has a language. C, C++, settings and profiles stand, indented as they may be, in a file of
-# samples/, which the tests build and run. Commands (console) are run by run.sh.
+# samples/, which the tests build and run. Commands (console) are run by run.sh, those of the package (sh, cmake)
+# by tests/package/check.sh.
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 
@@ -38,7 +39,7 @@ for document in "$@"; do
             c | cpp | env | ini | mat)
                 stands_in_a_sample "$block" || complain "$document:$start: this $language is in no sample"
                 ;;
-            console | ebnf | sh | text) ;;
+            console | sh | cmake | ebnf | text) ;;
             *) complain "$document:$start: what language is \"$language\"?" ;;
             esac
             language=''
