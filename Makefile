@@ -2,7 +2,7 @@
 JOBS ?= $(shell nproc)
 SECONDS ?= 60
 
-.PHONY: all setup dll demo test bench fuzz docs dist reproduce format check-format clean
+.PHONY: all setup dll demo test coverage bench fuzz soak docs dist reproduce format check-format clean
 all: dll
 
 setup:
@@ -44,6 +44,14 @@ dist: setup build/dll/build.ninja docs
 
 reproduce: setup
 	@tests/package/reproduce.sh
+
+coverage:
+	@cmake/setup.sh build test coverage
+	@cmake --preset core-coverage
+	@cmake --build --preset core-coverage -j $(JOBS)
+	@find build/core-coverage -name '*.gcda' -delete
+	@ctest --test-dir build/core-coverage --output-on-failure -j $(JOBS) -E format
+	@tests/coverage.py
 
 bench: dll
 	@bench/run.sh

@@ -32,9 +32,15 @@ function(bvutil_tests room)
     endif()
 endfunction()
 
-# bvutil_fuzz(NAME file...): a libFuzzer program over the core; its seeds are in fuzz/corpus/NAME.
+# bvutil_fuzz(NAME file...): a libFuzzer entry over the core; its seeds are in fuzz/corpus/NAME.
+#   Without libFuzzer the program runs them and what is left of them when they are cut, as a test.
 function(bvutil_fuzz name)
     add_executable(fuzz_${name} ${ARGN})
     target_link_libraries(fuzz_${name} PRIVATE bvutil_core bvutil_seams)
-    target_link_options(fuzz_${name} PRIVATE -fsanitize=fuzzer)
+    if(BVUTIL_FUZZ)
+        target_link_options(fuzz_${name} PRIVATE -fsanitize=fuzzer)
+    else()
+        target_sources(fuzz_${name} PRIVATE ${CMAKE_SOURCE_DIR}/fuzz/replay.cpp)
+        add_test(NAME corpus_${name} COMMAND fuzz_${name} ${CMAKE_SOURCE_DIR}/fuzz/corpus/${name})
+    endif()
 endfunction()

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs what a Debian 12 machine lacks to build and test BvUtil; does nothing when all is there.
-# Usage: cmake/setup.sh [build|test|demo|docs|fuzz|dist]...   (default: build test)
+# Usage: cmake/setup.sh [build|test|demo|docs|fuzz|coverage|dist]...   (default: build test)
 set -euo pipefail
 
 wanted_build=(cmake ninja-build g++-mingw-w64-i686-posix libcli11-dev llvm-14)
@@ -8,6 +8,7 @@ wanted_test=(wine wine32:i386 googletest g++ g++-multilib clang-format)
 wanted_demo=(wine wine32:i386 librsvg2-bin)
 wanted_docs=(doxygen)
 wanted_dist=(wine wine32:i386 zip unzip clang-14 pkgconf)
+wanted_coverage=(gcovr)
 wanted_fuzz=(clang-14 libclang-rt-14-dev lld-14 llvm-14 g++-multilib)
 
 [ $# -gt 0 ] || set -- build test
@@ -20,7 +21,8 @@ for group in "$@"; do
     fuzz) wanted+=("${wanted_fuzz[@]}") ;;
     docs) wanted+=("${wanted_docs[@]}") ;;
     dist) wanted+=("${wanted_dist[@]}") ;;
-    *) echo "setup: no group '$group' (build, test, demo, docs, fuzz, dist)" >&2; exit 2 ;;
+    coverage) wanted+=("${wanted_coverage[@]}") ;;
+    *) echo "setup: no group '$group' (build, test, demo, docs, fuzz, coverage, dist)" >&2; exit 2 ;;
     esac
 done
 

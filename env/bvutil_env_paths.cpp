@@ -45,13 +45,9 @@ EnvStatus get_pos(const Address& address, bool exact, long pos, long* layer_out,
 EnvStatus get_next(const Buffer& name, const Buffer& value, long* external_out) {
     Iteration& state = iteration();
     if (!state.active()) return ENV_NOT_FOUND;
-    long layer_tag = state.layer_tag();
+    // Positions do not fall back: the layer that answered first answers to the end.
     const EnvStatus status =
-        get_pos(state.address(), state.exact(), state.position(), &layer_tag, name, value, external_out);
-    if (layer_tag != state.layer_tag()) {
-        state.end();
-        return ENV_NOT_FOUND;
-    }
+        get_pos(state.address(), state.exact(), state.position(), nullptr, name, value, external_out);
     if (exists(status))
         state.advance();
     else
@@ -123,7 +119,7 @@ EnvStatus BVUTIL_CALL env_get_first(EnvHandle env, const char* section, const ch
         const Address address{env, section, path};
         const EnvStatus status = get_pos(address, exact != 0, 1, layer_out, {name_size, name_buf},
                                          {value_size, value_buf}, external_out);
-        if (exists(status)) iteration().begin(address, exact != 0, env->layer_tag);
+        if (exists(status)) iteration().begin(address, exact != 0);
         return status;
     });
 }

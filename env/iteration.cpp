@@ -9,10 +9,9 @@ Iteration& iteration() {
     return the_iteration;
 }
 
-void Iteration::begin(const Address& address, bool exact, long layer_tag) {
+void Iteration::begin(const Address& address, bool exact) {
     m_env = address.env;
     m_exact = exact;
-    m_layer_tag = layer_tag;
     m_position = 2;
     m_active = m_section.keep(address.section) && m_path.keep(address.path);
 }

@@ -11,7 +11,7 @@ namespace env {
 class Iteration {
   public:
     // Records where the second element is to be found; an address too long to keep ends the iteration.
-    void begin(const Address& address, bool exact, long layer_tag);
+    void begin(const Address& address, bool exact);
     void end() { m_active = false; }
     // Ends the iteration when it is over this environment, which is being closed.
     void forget(EnvHandle env);
@@ -20,7 +20,6 @@ class Iteration {
     Address address() const;
     bool exact() const { return m_exact; }
     long position() const { return m_position; }
-    long layer_tag() const { return m_layer_tag; }
     void advance() { ++m_position; }
 
   private:
@@ -41,7 +40,6 @@ class Iteration {
     Copy m_path;
     bool m_exact = false;
     long m_position = 0;
-    long m_layer_tag = 0;
 };
 
 Iteration& iteration();

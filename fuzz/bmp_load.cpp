@@ -3,7 +3,9 @@
 #include "imaging/bitmap_ex.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
+#include <vector>
 
 namespace {
 
@@ -23,7 +25,23 @@ void require(bool condition) {
     if (!condition) std::abort();
 }
 
+// What is written reads as the same pixels, which have no fourth bytes.
+void check_file(CBitmapEx& bitmap) {
+    std::vector<std::uint8_t> file(54 + std::size_t{bitmap.pixel_data_size()} + 1); // fmemopen() may end it
+    std::FILE* const stream = fmemopen(file.data(), file.size(), "wb");
+    bitmap.save(stream);
+    file.resize(static_cast<std::size_t>(std::ftell(stream)));
+    std::fclose(stream);
+    CBitmapEx again;
+    SpanSource source(file);
+    again.load(source, CBitmapEx::file);
+    require(again.pixel_data_size() == bitmap.pixel_data_size());
+    require(std::equal(again.pixels(), again.pixels() + again.pixel_data_size(), bitmap.pixels()));
+}
+
 void check(CBitmapEx& bitmap) {
+    const auto header = bitmap.drawing_header();
+    require(header.info.header_size <= 40 && header.info.width == bitmap.info().width);
     if (!bitmap.pixels()) {
         require(bitmap.pixel_data_size() == 0);
         return;
@@ -38,6 +56,7 @@ void check(CBitmapEx& bitmap) {
     require(bitmap.pixels()[0] == first && bitmap.pixels()[size - 1] == last);
     bitmap.save(nullptr);
     require(bitmap.pixels()[size - 1] == 0 && bitmap.pixels()[0] == first);
+    check_file(bitmap);
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -41,6 +42,16 @@ void check_room(std::string_view text, const Reading& whole) {
         require(same(less.values[i], whole.values[i]));
 }
 
+// In general form, numbers are as the C library writes them.
+void check_general_form(const Reading& reading) {
+    for (std::size_t i = 0; i < *reading.count; ++i) {
+        GeneralText text;
+        char wanted[32];
+        std::snprintf(wanted, sizeof wanted, "%lg", reading.values[i]);
+        require(std::strcmp(general_text(reading.values[i], text), wanted) == 0);
+    }
+}
+
 // What was read, written with six decimals, reads as the same numbers to that precision.
 void check_round_trip(const Reading& reading) {
     std::string text;
@@ -66,6 +77,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string_view view(text.get(), size - 1);
     const Reading reading = read(view, 1 + data[0] % 64u);
     check_room(view, reading);
-    if (reading.count) check_round_trip(reading);
+    if (!reading.count) return 0;
+    check_general_form(reading);
+    check_round_trip(reading);
     return 0;
 }

@@ -2,6 +2,7 @@
 // out, the others are base, directory and file, separated by line feeds.
 #include "bvutil/strings.h"
 #include "module/multibyte.h"
+#include "runtime/path_parts.h"
 #include "tests/support/double_byte.h"
 
 #include <algorithm>
@@ -35,6 +36,15 @@ void check_split(const std::string& path) {
     require(joined == path || (joined.empty() && path.size() >= BVUTIL_NAME_SIZE));
     require(std::strlen(drive.get()) == 0 || (std::strlen(drive.get()) == 2 && drive[1] == ':'));
     require(BvUtil_StrIChr(name.get(), '\\') == -1 && BvUtil_StrIChr(name.get(), '/') == -1);
+}
+
+// The name stands behind the directory, and splitting takes it off again.
+void check_joined_directory(const std::string& directory, const std::string& name) {
+    const std::string joined = join_directory(directory, name);
+    require(joined.starts_with(directory) && joined.ends_with(name));
+    require(joined.size() <= directory.size() + 1 + name.size());
+    if (name.find_first_of("\\/:") == std::string::npos && !multibyte::active())
+        require(split_path(joined).name == name);
 }
 
 void check_extension(const std::string& name) {
@@ -108,6 +118,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         check_split(text);
         check_extension(text);
     }
+    check_joined_directory(texts[0], texts[1]);
     check_search(texts[0], texts[1]);
     const auto argument = [&](unsigned n) {
         return choice & 2u << n ? std::nullopt : std::optional(texts[n]);

@@ -242,9 +242,9 @@ Code write_number(double size, const Format& format, std::string& text) {
     case Form::scientific:
         return write_scientific(size, format, text);
     case Form::fraction:
-        return write_fraction(size, format, text);
+        break;
     }
-    return Code::bad_option;
+    return write_fraction(size, format, text);
 }
 
 } // namespace
