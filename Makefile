@@ -62,6 +62,14 @@ fuzz:
 	@cmake --build --preset fuzz -j $(JOBS)
 	@fuzz/run.sh $(SECONDS)
 
+soak: dll build/core-asan/build.ninja
+	@cmake --build --preset core-asan -j $(JOBS)
+	@cmake/run-wine.sh --prefix
+	@cmake/setup.sh build fuzz
+	@cmake --preset fuzz
+	@cmake --build --preset fuzz -j $(JOBS)
+	@tests/soak.sh
+
 SOURCES = $(shell git ls-files -co --exclude-standard '*.cpp' '*.h' '*.c')
 format:
 	@clang-format -i $(SOURCES)

@@ -117,8 +117,8 @@ EnvStatus BVUTIL_CALL env_get_first(EnvHandle env, const char* section, const ch
                                     char* value_buf, long* external_out) {
     return for_handle(env, [&] {
         const Address address{env, section, path};
-        const EnvStatus status = get_pos(address, exact != 0, 1, layer_out, {name_size, name_buf},
-                                         {value_size, value_buf}, external_out);
+        const Buffer name{name_size, name_buf}, value{value_size, value_buf};
+        const EnvStatus status = get_pos(address, exact != 0, 1, layer_out, name, value, external_out);
         if (exists(status)) iteration().begin(address, exact != 0);
         return status;
     });

@@ -240,16 +240,20 @@ struct Handle {
         return ENV_OK;
     }
 
-    EnvStatus leafs(std::vector<Leaf>& out, Text section = nullptr, const std::string& prefix = "") const {
+    // False when it ended early: a name may hold the delimiter, and then its path leads nowhere.
+    bool leafs(std::vector<Leaf>& out, Text section = nullptr, const std::string& prefix = "") const {
+        bool whole = true;
         const EnvStatus status =
             traverse(is_sub ? section : nullptr, nullptr, true, [&](Text s, Text p, NodePtr node) {
                 const std::string path = prefix.empty() || !p ? std::string(p ? p : "") : prefix + "@" + p;
-                if (node->kind != ENV_IS_BLOCK)
+                if (!whole || !node)
+                    whole = false;
+                else if (node->kind != ENV_IS_BLOCK)
                     out.push_back({s, path, p != nullptr, node});
                 else if (!node->children.empty())
-                    on(node).leafs(out, s, path);
+                    whole = on(node).leafs(out, s, path);
             });
-        return status == ENV_OK ? ENV_OK : ENV_INVALID;
+        return whole && status == ENV_OK;
     }
 
     bool copy_leaf(const Leaf& leaf, const std::string& text, bool external, int mode) const {
@@ -265,14 +269,15 @@ struct Handle {
 
     EnvStatus sink(const Handle& src, int mode) const {
         std::vector<Leaf> leaves;
-        if (src.leafs(leaves) != ENV_OK) return ENV_INVALID;
-        std::vector<Node> values; // as they were before the first copy
+        const bool whole = src.leafs(leaves);
+        if (!whole && src.top == top) return ENV_INVALID; // within a tree the leaves are gathered first
+        std::vector<Node> values;                         // as they were before the first copy
         for (const Leaf& leaf : leaves)
             values.push_back({"", leaf.node->kind, leaf.node->text, 0, {}});
         for (std::size_t i = 0; i < leaves.size(); ++i)
             if (!copy_leaf(leaves[i], values[i].text, values[i].kind == ENV_IS_EXTERNAL, mode))
                 return ENV_INVALID;
-        return ENV_OK;
+        return whole ? ENV_OK : ENV_INVALID;
     }
 
     EnvStatus copy_block(const Handle& src, Text section, Text path, int mode) const {
@@ -292,6 +297,21 @@ struct Handle {
         return {nullptr, 0};
     }
 };
+
+inline std::size_t size_of(const Node& node) {
+    std::size_t size = 1;
+    for (const NodePtr& child : node.children)
+        size += size_of(*child);
+    return size;
+}
+
+// A copy as it comes back from a file.
+inline NodePtr persistent(const Node& node) {
+    const auto copy = std::make_shared<Node>(Node{node.name, node.kind, node.text, node.value, {}});
+    for (const NodePtr& child : node.children)
+        if (child->kind != ENV_IS_EXTERNAL) copy->children.push_back(persistent(*child));
+    return copy;
+}
 
 inline void write_line(std::string& out, const std::string& text, std::size_t level) {
     out.append(level - 1, ' ');
