@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # The long runs, two at a time: every fuzz target for MINUTES (20) and each random model for OPERATIONS
-# (1,000,000). Prints what came of each; the logs are in build/soak.
+# (1,000,000), or those named: tests/soak.sh [RUN...]. Prints what came of each; the logs are in build/soak.
 set -uo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 export minutes=${MINUTES:-20} BVUTIL_OPERATIONS=${OPERATIONS:-1000000}
@@ -23,9 +23,11 @@ run_one() {
 export -f run_one
 
 rm -f $logs/*.row
-targets=$(sed -n 's/^bvutil_fuzz(\([a-z0-9_]*\) .*/\1/p' fuzz/CMakeLists.txt)
+if [ $# -eq 0 ]; then
+    set -- store-native store-dll profiles $(sed -n 's/^bvutil_fuzz(\([a-z0-9_]*\) .*/\1/p' fuzz/CMakeLists.txt)
+fi
 failed=0
-printf '%s\n' store-native store-dll profiles $targets | xargs -P 2 -I{} bash -c 'run_one {}' >/dev/null || failed=1
+printf '%s\n' "$@" | xargs -P 2 -I{} bash -c 'run_one {}' >/dev/null || failed=1
 echo "long runs: $minutes minutes a fuzz target, $BVUTIL_OPERATIONS operations a model"
 cat $logs/*.row
 exit $failed
