@@ -2,11 +2,12 @@
 
 #include "calcgeom/bstr_text.h"
 #include "calcgeom/calculator_connection.h"
-#include "module/guarded.h"
+#include "module/own_arithmetic.h"
 
 extern "C" void BVUTIL_CALL calc_init(int option) {
     guarded([&] {
-        if (ICalculator* calculator = connected_calculator()) calculator->init(option);
+        if (ICalculator* calculator = connected_calculator())
+            with_own_arithmetic([&] { return calculator->init(option); });
     });
 }
 
@@ -14,7 +15,8 @@ extern "C" void BVUTIL_CALL calc_expression(const char* expression, int option1,
     guarded([&] {
         if (!expression) return;
         if (ICalculator* calculator = connected_calculator())
-            calculator->expression(to_bstr(expression).get(), option1, option2);
+            with_own_arithmetic(
+                [&] { return calculator->expression(to_bstr(expression).get(), option1, option2); });
     });
 }
 
@@ -24,8 +26,9 @@ extern "C" void BVUTIL_CALL calc_error(int option1, int option2, int option3, ch
         ICalculator* calculator = connected_calculator();
         if (!calculator) return;
         unique_bstr message;
-        if (SUCCEEDED(calculator->error(option1, option2, option3, message.put())))
-            copy_to_buffer(message, text);
+        const HRESULT told =
+            with_own_arithmetic([&] { return calculator->error(option1, option2, option3, message.put()); });
+        if (SUCCEEDED(told)) copy_to_buffer(message, text);
     });
 }
 
@@ -36,8 +39,9 @@ extern "C" int BVUTIL_CALL ConvStringToDouble(const char* text, int option, doub
         if (!calculator) return calculator_not_reachable;
         double result = 0;
         LONG code = calculator_not_reachable;
-        if (FAILED(calculator->string_to_double(to_bstr(text).get(), option, &result, &code)))
-            return calculator_not_reachable;
+        const HRESULT done = with_own_arithmetic(
+            [&] { return calculator->string_to_double(to_bstr(text).get(), option, &result, &code); });
+        if (FAILED(done)) return calculator_not_reachable;
         if (code == calculator_success) *value = result;
         return code;
     });
@@ -51,8 +55,10 @@ extern "C" int BVUTIL_CALL ConvDoubleToString(double value, int option1, int opt
         if (!calculator) return calculator_not_reachable;
         unique_bstr result;
         LONG code = calculator_not_reachable;
-        if (FAILED(calculator->double_to_string(value, option1, option2, option3, result.put(), &code)))
-            return calculator_not_reachable;
+        const HRESULT done = with_own_arithmetic([&] {
+            return calculator->double_to_string(value, option1, option2, option3, result.put(), &code);
+        });
+        if (FAILED(done)) return calculator_not_reachable;
         if (code == calculator_success) copy_to_buffer(result, text);
         return code;
     });

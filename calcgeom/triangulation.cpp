@@ -1,7 +1,7 @@
 #include "bvutil/triangulation.h"
 
 #include "calcgeom/delaunay.h"
-#include "module/guarded.h"
+#include "module/own_arithmetic.h"
 
 #include <limits>
 
@@ -32,7 +32,7 @@ extern "C" int BVUTIL_CALL Triangulieren(unsigned int pointCount, const float* p
     *triangles = nullptr;
     *triangleCount = 0;
     if (pointCount > most_points) return 0;
-    return guarded(0, [&] {
+    return calculated(0, [&] {
         const Triangulation triangulation = triangulate(points, pointCount);
         *triangles = written(triangulation);
         *triangleCount = static_cast<unsigned int>(triangulation.order.size());

@@ -7,6 +7,7 @@
 #include "env/put.h"
 #include "env/value_scanner.h"
 #include "env/value_text.h"
+#include "module/own_arithmetic.h"
 
 #include <algorithm>
 #include <clocale>
@@ -232,7 +233,8 @@ EnvStatus BVUTIL_CALL env_put_format(EnvHandle env, const char* section, const c
         if (!format) return ENV_INVALID;
         char text[format_capacity];
         const PointLocale point;
-        const int length = std::vsnprintf(text, sizeof text, format, arguments);
+        const int length =
+            with_own_arithmetic([&] { return std::vsnprintf(text, sizeof text, format, arguments); });
         if (length < 0 || static_cast<std::size_t>(length) >= sizeof text) return ENV_INVALID;
         return put({env, section, path}, text, 0);
     });

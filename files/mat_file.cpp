@@ -3,7 +3,7 @@
 #include "bvutil/strings.h"
 #include "files/file_access.h"
 #include "files/material_profile.h"
-#include "module/guarded.h"
+#include "module/own_arithmetic.h"
 
 namespace {
 
@@ -57,7 +57,7 @@ CBvMatFile& CBvMatFile::operator=(const CBvMatFile& other) {
 CBvMatFile::~CBvMatFile() = default;
 
 int CBvMatFile::Read(const std::string& path) {
-    return guarded(0, [&] {
+    return calculated(0, [&] {
         m_path = path;
         const char* const file = m_path.c_str();
         if (!file_access::readable(file)) {
@@ -77,7 +77,7 @@ int CBvMatFile::Read(const std::string& path) {
 int CBvMatFile::Write(const std::string& path) {
     const char* const file = path.c_str();
     if (path.empty() || !file_access::writable(file)) return 0;
-    return guarded(0, [&] {
+    return calculated(0, [&] {
         bool written = delete_former(file, m_logName);
         const auto write = [&](const char* section, const char* key, const std::string& value) {
             written = WritePrivateProfileStringA(section, key, value.c_str(), file) != FALSE && written;

@@ -4,7 +4,7 @@
 #include "files/drawing_records.h"
 #include "files/file_access.h"
 #include "files/profile_section.h"
-#include "module/guarded.h"
+#include "module/own_arithmetic.h"
 
 #include <cstdlib>
 #include <cstring>
@@ -17,7 +17,7 @@ constexpr int success = 0, failure = -1;
 template <class Body>
 int on_section(MiniHandle h, const char* section, const void* key, const void* value, Body&& body) {
     if (!h || !section || !key || !value) return failure;
-    return guarded(failure, [&] { return body(ProfileSection(*h, section)) ? success : failure; });
+    return calculated(failure, [&] { return body(ProfileSection(*h, section)) ? success : failure; });
 }
 
 // Reads the record's numbers; those that the list lacks are 0.

@@ -2,6 +2,7 @@
 
 #include "filterhost/host_record.h"
 #include "filterhost/host_state.h"
+#include "module/own_arithmetic.h"
 
 #include <cstring>
 #include <limits>
@@ -14,7 +15,10 @@ namespace {
 // takes them back, and writes that output into the image of its own application.
 class CurrentFilter {
   public:
-    explicit CurrentFilter(PSFilter_& filter) noexcept : m_filter(filter) { host_state().current = &filter; }
+    explicit CurrentFilter(PSFilter_& filter) noexcept : m_filter(filter) {
+        host_state().current = &filter;
+        host_state().callers_arithmetic = m_arithmetic.former();
+    }
     CurrentFilter(const CurrentFilter&) = delete;
     CurrentFilter& operator=(const CurrentFilter&) = delete;
     ~CurrentFilter() {
@@ -26,6 +30,7 @@ class CurrentFilter {
     }
 
   private:
+    const ArithmeticIn m_arithmetic{ArithmeticState::own()};
     PSFilter_& m_filter;
 };
 

@@ -3,7 +3,7 @@
 #include "filterhost/application.h"
 #include "filterhost/host_state.h"
 #include "filterhost/ps_filter.h"
-#include "module/guarded.h"
+#include "module/own_arithmetic.h"
 
 #include <cstring>
 #include <new>
@@ -45,7 +45,7 @@ extern "C" BvUtilBool BVUTIL_CALL AVGetPSFilterAndInfo(const char* fileName, cha
     char* own_category = nullptr;
     char* own_name = nullptr;
     *filter = nullptr;
-    const int code = guarded(open_failed, [&] { return open(fileName, *filter, own_category, own_name); });
+    const int code = calculated(open_failed, [&] { return open(fileName, *filter, own_category, own_name); });
     if (error) *error = code;
     const bool success = code >= 0;
     if (category) *category = success ? _strdup(own_category) : nullptr;

@@ -17,21 +17,26 @@ constexpr ps::OSType signature = 0x49525041; // "APRI" in memory
 constexpr std::int16_t colour_planes = 3;
 constexpr std::int16_t tile_side = 256;
 
+// Calls the caller's progress function, which finds what its program has set. Whether to go on.
+bool goes_on(const PSFilter_& filter) noexcept {
+    const ArithmeticIn callers(host_state().callers_arithmetic);
+    return filter.progress(filter.progress_fraction, filter.callback_context) != 0;
+}
+
 // The host's procedures.
 
 ps::Boolean PS_CALL test_abort() noexcept {
     PSFilter_* filter = host_state().current;
     if (!filter) return 1;
     if (!filter->progress) return 0;
-    return filter->aborted || !filter->progress(filter->progress_fraction, filter->callback_context);
+    return filter->aborted || !goes_on(*filter);
 }
 
 void PS_CALL report_progress(std::int32_t done, std::int32_t total) noexcept {
     PSFilter_* filter = host_state().current;
     if (!filter) return;
     filter->progress_fraction = static_cast<float>(done) / static_cast<float>(total);
-    if (filter->progress && !filter->progress(filter->progress_fraction, filter->callback_context))
-        filter->aborted = true;
+    if (filter->progress && !goes_on(*filter)) filter->aborted = true;
 }
 
 ps::OSErr PS_CALL advance_state() noexcept {

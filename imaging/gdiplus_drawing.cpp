@@ -1,7 +1,7 @@
 #include "bvutil/gdiplus_services.h"
 
 #include "imaging/gdiplus_objects.h"
-#include "module/guarded.h"
+#include "module/own_arithmetic.h"
 
 namespace {
 
@@ -33,7 +33,7 @@ int done(Gdiplus::Status status) {
 template <class Draw>
 int draw_on(HDC target, Draw&& draw) {
     if (!target) return 0;
-    return guarded(0, [&] {
+    return calculated(0, [&] {
         const unique_gp_graphics graphics = graphics_of(target);
         return graphics ? draw(graphics.get()) : 0;
     });

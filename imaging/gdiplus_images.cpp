@@ -4,7 +4,7 @@
 #include "imaging/encoders.h"
 #include "imaging/gdiplus_objects.h"
 #include "imaging/wide_text.h"
-#include "module/guarded.h"
+#include "module/own_arithmetic.h"
 
 #include <limits>
 
@@ -26,7 +26,7 @@ int hand_out(unique_gp_bitmap bitmap, BvUtilImage* out) {
 template <class Create>
 int hand_out_created(BvUtilImage* out, Create&& create) {
     if (!out) return 0;
-    return guarded(0, [&] {
+    return calculated(0, [&] {
         unique_gp_bitmap bitmap;
         if (create(bitmap.put()) != Gdiplus::Ok) return 0;
         return hand_out(std::move(bitmap), out);
@@ -46,7 +46,7 @@ int row_length(int width, int pixel_bytes) {
 
 int import_keyed(const RawRows& rows, int target_row_bytes, int target_pixel_bytes, BYTE alpha,
                  int with_alpha, BvUtilImage* out) {
-    return guarded(0, [&] {
+    return calculated(0, [&] {
         return hand_out(import_converted(rows, target_row_bytes, target_pixel_bytes, {alpha, true}, true,
                                          with_alpha ? PixelFormat32bppARGB : PixelFormat24bppRGB,
                                          Ground::white),
@@ -130,7 +130,7 @@ extern "C" int BVUTIL_CALL gdiPlusBitmapFromRamStruct(const RamStruct* record, B
 extern "C" int BVUTIL_CALL gdiPlusGetBitmap24BPPRGB(int width, int height, int stride, int, BYTE* bits,
                                                     BvUtilImage* image) {
     if (!bits || !image) return 0;
-    return guarded(
+    return calculated(
         0, [&] { return hand_out(import_rows(width, height, stride, PixelFormat24bppRGB, bits), image); });
 }
 
@@ -139,7 +139,7 @@ extern "C" int BVUTIL_CALL gdiPlusGetBitmap(int width, int height, int stride, i
     if (format == 0)
         return gdiPlusGetBitmap24BPPRGB(width, height, stride, format, const_cast<BYTE*>(bits), image);
     if (!bits || !image) return 0;
-    return guarded(0, [&] {
+    return calculated(0, [&] {
         return hand_out(import_converted({bits, width, height, stride, 4}, stride, 4, {255, false}, false,
                                          format_of_32_bits(format)),
                         image);
@@ -151,7 +151,7 @@ extern "C" int BVUTIL_CALL gdiPlusGetBitmapEx(int width, int height, int sourceS
     if (format == 0)
         return gdiPlusGetBitmap24BPPRGB(width, height, sourceStride, format, const_cast<BYTE*>(bits), image);
     if (!bits || !image) return 0;
-    return guarded(0, [&] {
+    return calculated(0, [&] {
         return hand_out(import_converted({bits, width, height, sourceStride, 3}, targetStride, 4,
                                          {alpha, false}, true, format_of_32_bits(format)),
                         image);
@@ -160,12 +160,12 @@ extern "C" int BVUTIL_CALL gdiPlusGetBitmapEx(int width, int height, int sourceS
 
 extern "C" int BVUTIL_CALL gdiPlusResizeBitmap(HBITMAP bitmap, int width, int height, BvUtilImage* image) {
     if (!bitmap || !image) return 0;
-    return guarded(0, [&] { return hand_out(resized(bitmap, width, height), image); });
+    return calculated(0, [&] { return hand_out(resized(bitmap, width, height), image); });
 }
 
 extern "C" int BVUTIL_CALL gdiPlusSaveImage(BvUtilImage image, const char* path, int format) {
     if (!image || !path) return 0;
-    return guarded(0, [&] {
+    return calculated(0, [&] {
         const CLSID encoder = find_encoder(mime_type_of(format)).value_or(CLSID{});
         ULONG quality = 100;
         Gdiplus::EncoderParameters parameters{

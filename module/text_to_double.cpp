@@ -1,5 +1,7 @@
 #include "module/text_to_double.h"
 
+#include "module/own_arithmetic.h"
+
 #include <algorithm>
 #include <charconv>
 #include <cmath>
@@ -54,9 +56,7 @@ double convert(std::string_view text) {
     return error == std::errc{} ? value : 0;
 }
 
-} // namespace
-
-double text_to_double(std::string_view text) {
+double converted(std::string_view text) {
     while (!text.empty() && is_space(text.front()))
         text.remove_prefix(1);
     const bool negative = !text.empty() && text.front() == '-';
@@ -73,4 +73,10 @@ double text_to_double(std::string_view text) {
         value = convert(text);
     }
     return negative ? -value : value;
+}
+
+} // namespace
+
+double text_to_double(std::string_view text) {
+    return with_own_arithmetic([&] { return converted(text); });
 }

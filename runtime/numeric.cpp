@@ -1,8 +1,7 @@
 #include "bvutil/numeric.h"
 
+#include "module/own_arithmetic.h"
 #include "runtime/rounding.h"
-
-#include <cfenv>
 
 namespace {
 
@@ -19,23 +18,6 @@ extern double(__cdecl* const runtime_atan2)(double, double) __asm__("__imp__atan
 extern double(__cdecl* const runtime_acos)(double) __asm__("__imp__acos");
 }
 
-// The runtime may compute in the x87 unit, and the caller may have set that to any precision and rounding:
-// double precision and the nearest, with exceptions masked, while this lives.
-class DoublePrecision {
-  public:
-    DoublePrecision() noexcept {
-        std::feholdexcept(&m_callers);
-        const unsigned short control_word = 0x027F;
-        __asm__ volatile("fldcw %0" : : "m"(control_word));
-    }
-    ~DoublePrecision() { std::fesetenv(&m_callers); }
-    DoublePrecision(const DoublePrecision&) = delete;
-    DoublePrecision& operator=(const DoublePrecision&) = delete;
-
-  private:
-    std::fenv_t m_callers;
-};
-
 template <class Number>
 Number divide_or_zero(Number a, Number b) {
     return b == 0 ? 0 : a / b;
@@ -44,50 +26,47 @@ Number divide_or_zero(Number a, Number b) {
 } // namespace
 
 extern "C" double BVUTIL_CALL BvUtil_PRound(double x, int p) {
-    return round_to_power(x, p);
+    return with_own_arithmetic([&] { return round_to_power(x, p); });
 }
 
 extern "C" float BVUTIL_CALL BvUtil_FRound(float x, int p) {
-    return static_cast<float>(round_to_power(x, p));
+    return with_own_arithmetic([&] { return static_cast<float>(round_to_power(x, p)); });
 }
 
 extern "C" long BVUTIL_CALL BvUtil_LRound(double x) {
-    return whole_part(x);
+    return with_own_arithmetic([&] { return whole_part(x); });
 }
 
 extern "C" double BVUTIL_CALL sin_deg(double degrees) {
-    const DoublePrecision precision;
-    return runtime_sin(degrees * radians_per_degree);
+    return with_own_arithmetic([&] { return runtime_sin(degrees * radians_per_degree); });
 }
 
 extern "C" double BVUTIL_CALL cos_deg(double degrees) {
-    const DoublePrecision precision;
-    return runtime_cos(degrees * radians_per_degree);
+    return with_own_arithmetic([&] { return runtime_cos(degrees * radians_per_degree); });
 }
 
 extern "C" double BVUTIL_CALL atan_deg(double x) {
-    const DoublePrecision precision;
-    return runtime_atan(x) * degrees_per_radian;
+    return with_own_arithmetic([&] { return runtime_atan(x) * degrees_per_radian; });
 }
 
 extern "C" double BVUTIL_CALL atan2_deg(double y, double x) {
-    const DoublePrecision precision;
-    return runtime_atan2(y, x) * degrees_per_radian;
+    return with_own_arithmetic([&] { return runtime_atan2(y, x) * degrees_per_radian; });
 }
 
 extern "C" double BVUTIL_CALL acos_deg(double x) {
-    const DoublePrecision precision;
-    return runtime_acos(x * radians_per_degree); // kept: the argument is converted, not the result
+    return with_own_arithmetic([&] {
+        return runtime_acos(x * radians_per_degree);
+    }); // kept: the argument is converted, not the result
 }
 
 extern "C" double BVUTIL_CALL ddiv(double a, double b) {
-    return divide_or_zero(a, b);
+    return with_own_arithmetic([&] { return divide_or_zero(a, b); });
 }
 
 extern "C" float BVUTIL_CALL fdiv(float a, float b) {
-    return divide_or_zero(a, b);
+    return with_own_arithmetic([&] { return divide_or_zero(a, b); });
 }
 
 extern "C" double BVUTIL_CALL fsgn(double x) {
-    return x < 0 ? -1.0 : x > 0 ? 1.0 : 0.0;
+    return with_own_arithmetic([&] { return x < 0 ? -1.0 : x > 0 ? 1.0 : 0.0; });
 }

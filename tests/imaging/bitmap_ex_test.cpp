@@ -1,8 +1,8 @@
 #include "bvutil/bitmap_ex.h"
 
 #include "tests/imaging/bmp_bytes.h"
-#include "tests/imaging/resources.h"
 #include "tests/support/canvas.h"
+#include "tests/support/resources.h"
 #include "tests/support/temp_dir.h"
 
 #include <gtest/gtest.h>

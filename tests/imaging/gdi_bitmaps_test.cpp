@@ -1,7 +1,7 @@
 #include "bvutil/gdi_bitmaps.h"
 
-#include "tests/imaging/resources.h"
 #include "tests/support/canvas.h"
+#include "tests/support/resources.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 #include "bvutil/gdiplus_services.h"
 
 #include "imaging/gdiplus_objects.h"
-#include "tests/imaging/resources.h"
 #include "tests/support/canvas.h"
+#include "tests/support/resources.h"
 #include "tests/support/temp_dir.h"
 
 #include <gtest/gtest.h>

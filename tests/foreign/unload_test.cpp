@@ -1,0 +1,154 @@
+// Loading and unloading, again and again and with everything still open.
+#include "bvutil/calculator.h"
+#include "bvutil/env.h"
+#include "bvutil/filter_host.h"
+#include "bvutil/fio.h"
+#include "bvutil/gdi_bitmaps.h"
+#include "bvutil/gdiplus_services.h"
+#include "bvutil/messages.h"
+#include "bvutil/mini.h"
+#include "bvutil/numeric.h"
+#include "bvutil/strings.h"
+#include "bvutil/text_exchange.h"
+#include "bvutil/triangulation.h"
+#include "tests/foreign/caller.h"
+#include "tests/imaging/canvas.h"
+#include "tests/support/calculator_registration.h"
+#include "tests/support/resources.h"
+#include "tests/support/temp_dir.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+std::string auto_levels() {
+    char self[MAX_PATH];
+    GetModuleFileNameA(nullptr, self, sizeof self);
+    return (std::filesystem::path(self).parent_path().parent_path() / "filters" / "auto_levels.8bf").string();
+}
+
+// What is opened in a family, for the time that the library is loaded.
+struct Opened {
+    EnvHandle env = nullptr, sub = nullptr;
+    FioFile* stream = nullptr;
+    MiniHandle profile = nullptr;
+    PSFilter_* filter = nullptr;
+    void* filtered = nullptr;
+    BvUtilImage image = nullptr;
+    float* triangles = nullptr;
+    BvUtilEntry* entries = nullptr;
+};
+
+Opened use_each_family(Caller& caller, HBITMAP bitmap) {
+    Opened opened;
+    AT(BvUtil_SetWriteToLogfile)(1, caller.file("log.txt").c_str(), 0);
+    AT(BvUtil_Message)("last ", "words", nullptr, "here", 7);
+
+    opened.env = AT(env_open)(1, nullptr);
+    AT(env_put_double)(opened.env, "S", "a@b", 0.1);
+    AT(env_put_format)(opened.env, "S", "a@c", "%g", 0.1);
+    opened.sub = AT(env_open_subenv)(opened.env, "S", "a", 1);
+    opened.stream = AT(fio_open)(caller.folder.c_str(), "data", FIO_WRITE | FIO_HEADER);
+    opened.profile = AT(mini_open)(caller.folder.c_str(), "values.ini", 0);
+    double value = 0.5;
+    AT(mini_write_double)(opened.profile, "S", "k", value);
+    AT(mini_read_double)(opened.profile, "S", "k", &value);
+    int count = 0;
+    AT(BvUtil_Listdir)(caller.folder.c_str(), "*.*", 0, &opened.entries, &count);
+    AT(sin_deg)(AT(BvUtil_StringToDouble)("12.5"));
+    const float points[] = {0, 0, 1, 0, 0, 1, 1, 1};
+    unsigned triangles = 0;
+    AT(Triangulieren)(4u, points, &opened.triangles, &triangles);
+
+    const std::uint32_t pixels[4] = {1, 2, 3, 4};
+    int error = 0;
+    AT(AVGetPSFilterAndInfo)(auto_levels().c_str(), nullptr, nullptr, &opened.filter, &error);
+    AT(AVApplyPSFilter)(opened.filter, 0, nullptr, nullptr, pixels, 2, 2, 8, &opened.filtered, &error);
+    DeleteObject(AT(BvUtil_CreateRegionFromBitmap)(bitmap, 0u));
+    AT(gdiPlusInit)();
+    AT(gdiPlusGetBitmapFromHBitmap)(bitmap, &opened.image);
+    char text[16] = "";
+    AT(ConvertToUTF8)("\xFC", text);
+    return opened;
+}
+
+void close(Caller& caller, Opened& opened) {
+    AT(env_close)(opened.sub, 0);
+    AT(env_close)(opened.env, 0);
+    AT(fio_close)(opened.stream);
+    AT(mini_close)(&opened.profile);
+    AT(BvUtil_FreeEntries)(&opened.entries);
+    AT(FreeTriangs)(&opened.triangles);
+    AT(AVFreeGotPSFilterImage)(&opened.filtered);
+    AT(AVFreeGotPSFilter)(&opened.filter);
+    AT(gdiPlusFreeImage)(opened.image);
+    AT(gdiPlusExit)();
+}
+
+class Unloading : public testing::Test {
+  protected:
+    Unloading() { write_file(dir.file("values.ini"), ""); }
+    HMODULE load() {
+        const HMODULE library = LoadLibraryA("BvUtil.dll");
+        EXPECT_NE(library, nullptr);
+        return library;
+    }
+    void expect_closed_log() {
+        EXPECT_NE(read_file(dir.file("log.txt")).find(":: last words in \"here\" line 7\r\n"),
+                  std::string::npos);
+        EXPECT_TRUE(DeleteFileA(dir.file("log.txt").c_str())) << "it is open still";
+    }
+
+    const TempDir dir;
+    Canvas picture{2, 2};
+    const HBITMAP bitmap = picture.bitmap();
+};
+
+TEST_F(Unloading, LeavesNothingAfterAThousandTimes) {
+    const auto load_and_unload = [&](int times) {
+        for (int i = 0; i < times; ++i) {
+            const HMODULE library = load();
+            Caller caller(library, {}, dir.path());
+            Opened opened = use_each_family(caller, bitmap);
+            close(caller, opened);
+            ASSERT_EQ(caller.violations, std::vector<std::string>{});
+            FreeLibrary(library);
+            ASSERT_EQ(GetModuleHandleA("BvUtil.dll"), nullptr);
+            expect_closed_log();
+        }
+    };
+    for (int i = 0; i < 8; ++i) {
+        Resources r;
+        SIZE_T committed = 0;
+        MEMORY_BASIC_INFORMATION m{};
+        int regions = 0;
+        for (char* a = nullptr; VirtualQuery(a, &m, sizeof m);
+             a = static_cast<char*>(m.BaseAddress) + m.RegionSize) {
+            if (m.State == MEM_COMMIT) committed += m.RegionSize;
+            ++regions;
+        }
+        DWORD tls = TlsAlloc();
+        TlsFree(tls);
+        DWORD fls = FlsAlloc(nullptr);
+        FlsFree(fls);
+        printf("gdi %lu win %lu handle %lu heap %lu committed %lu regions %d tls %lu fls %lu t %lu\n",
+               r.next_gdi_object, r.next_window, r.next_handle, (unsigned long)r.heap_bytes,
+               (unsigned long)committed, regions, tls, fls, GetTickCount());
+        load_and_unload(50);
+    }
+    expect_nothing_kept(load_and_unload, 1000);
+}
+
+TEST_F(Unloading, SurvivesWhatIsLeftOpen) {
+    const HMODULE library = load();
+    Caller caller(library, {}, dir.path());
+    const Opened opened = use_each_family(caller, bitmap);
+    EXPECT_NE(opened.sub, nullptr);
+    EXPECT_NE(opened.filtered, nullptr);
+    EXPECT_NE(opened.image, nullptr);
+    FreeLibrary(library);
+    EXPECT_EQ(GetModuleHandleA("BvUtil.dll"), nullptr);
+    expect_closed_log();
+}
+
+} // namespace

@@ -1,0 +1,48 @@
+// What only a leak can add to: this process's handles and the bytes of the heap that the C runtime, GDI and
+// GDI+ share.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <windows.h>
+
+// Handles are numbered from below, and the number of a new one tells how many there are. (Wine's counts of
+// them are always 0.)
+struct Resources {
+    DWORD next_gdi_object = next(CreateSolidBrush(0), DeleteObject) & 0xFFFF;
+    DWORD next_window =
+        next(CreateWindowA("STATIC", "", 0, 0, 0, 1, 1, nullptr, nullptr, nullptr, nullptr), DestroyWindow) &
+        0xFFFF;
+    DWORD next_handle = next(CreateEventA(nullptr, TRUE, FALSE, nullptr), CloseHandle) / 4;
+    SIZE_T heap_bytes = bytes_in_heap();
+
+  private:
+    template <class Handle, class Release>
+    static DWORD next(Handle handle, Release release) {
+        release(handle);
+        return static_cast<DWORD>(reinterpret_cast<UINT_PTR>(handle));
+    }
+    static SIZE_T bytes_in_heap() {
+        SIZE_T bytes = 0;
+        PROCESS_HEAP_ENTRY entry{};
+        HeapLock(GetProcessHeap());
+        while (HeapWalk(GetProcessHeap(), &entry))
+            if (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) bytes += entry.cbData;
+        HeapUnlock(GetProcessHeap());
+        return bytes;
+    }
+};
+
+// Runs work(times) and compares before and after. What is made once, on first use, is made beforehand.
+template <class Work>
+void expect_nothing_kept(Work&& work, int times = 10000) {
+    work(50);
+    const Resources before;
+    work(times);
+    const Resources after;
+    const DWORD gaps = 50; // where handles were released before
+    EXPECT_LE(after.next_gdi_object, before.next_gdi_object + gaps);
+    EXPECT_LE(after.next_window, before.next_window + gaps);
+    EXPECT_LE(after.next_handle, before.next_handle + gaps);
+    EXPECT_LE(after.heap_bytes, before.heap_bytes + 4096);
+}
