@@ -44,6 +44,7 @@ std::int32_t* allocate_output(int height, int row_bytes) {
 }
 
 int call_keeping_result(PSFilter_& filter, ps::Selector selector) {
+    const ArithmeticIn plugins(ArithmeticState::own()); // whatever it sets ends with the call
     filter.entry_point(selector, &filter.record, &filter.filter_data, &filter.result);
     return filter.result;
 }

@@ -86,12 +86,12 @@ void Caller::check(const char* name, const ForeignCall& made, std::uint32_t popp
     require((made.flags & 0x400) == 0, "the direction flag");
 }
 
-void Caller::check_state_in_callback(const char* who) {
-    std::uint32_t x87 = 0, mxcsr = 0;
-    asm volatile("fnstcw %0\n\tstmxcsr %1" : "+m"(x87), "=m"(mxcsr));
-    if (x87 != m_state.x87 || ((mxcsr ^ m_state.mxcsr) & mxcsr_control) != 0)
-        violations.push_back(std::string(who) + " runs with control words " + hexadecimal(x87) + " and " +
-                             hexadecimal(mxcsr));
+void Caller::check_state(const char* who, std::uint32_t x87, std::uint32_t mxcsr) {
+    std::uint32_t actual_x87 = 0, actual_mxcsr = 0;
+    asm volatile("fnstcw %0\n\tstmxcsr %1" : "+m"(actual_x87), "=m"(actual_mxcsr));
+    if (actual_x87 != x87 || ((actual_mxcsr ^ mxcsr) & mxcsr_control) != 0)
+        violations.push_back(std::string(who) + " runs with control words " + hexadecimal(actual_x87) +
+                             " and " + hexadecimal(actual_mxcsr));
 }
 
 void Caller::note_bytes(const void* bytes, std::size_t size) {

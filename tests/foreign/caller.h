@@ -77,7 +77,8 @@ class Caller {
     void note_file(const std::string& path);
 
     // To be called first by a callback: it must find its program's own state.
-    void check_state_in_callback(const char* who);
+    void check_state_in_callback(const char* who) { check_state(who, m_state.x87, m_state.mxcsr); }
+    void check_state(const char* who, std::uint32_t x87, std::uint32_t mxcsr);
 
     std::string file(const std::string& name) const { return folder + "\\" + name; }
 

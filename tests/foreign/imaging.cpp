@@ -1,9 +1,11 @@
 #include "bvutil/bitmap_ex.h"
+#include "bvutil/env.h"
 #include "bvutil/filter_host.h"
 #include "bvutil/gdi_bitmaps.h"
 #include "bvutil/gdiplus_services.h"
+#include "bvutil/numeric.h"
 #include "bvutil/text_exchange.h"
-#include "filterhost/filter_record.h"
+#include "tests/filterhost/plugin_files.h"
 #include "tests/foreign/families.h"
 #include "tests/imaging/canvas.h"
 #include "tests/support/temp_dir.h"
@@ -56,13 +58,8 @@ void use_bitmap_ex(Caller& caller, HBITMAP made, Target& target, const std::stri
     caller.note_file(copy);
 }
 
-// What the callback is told, and that it may use the library meanwhile.
-struct Progress {
-    Caller& caller;
-};
-
 BvUtilBool BVUTIL_STDCALL on_progress(float fraction, void* context) {
-    Caller& caller = static_cast<Progress*>(context)->caller;
+    Caller& caller = *static_cast<Caller*>(context);
     caller.check_state_in_callback("the progress callback");
     char text[16] = "";
     AT(ConvertToUTF8)("\xFC", text);
@@ -70,25 +67,62 @@ BvUtilBool BVUTIL_STDCALL on_progress(float fraction, void* context) {
     return 1;
 }
 
-void apply_filter(Caller& caller, const std::string& path) {
-    char *category = nullptr, *name = nullptr;
-    PSFilter_* filter = nullptr;
-    int error = 0;
-    AT(AVGetPSFilterAndInfo)(path.c_str(), &category, &name, &filter, &error);
-    caller.note(category, name, error);
-    AT(AVFreeGotPSFilterInfo)(&category, &name);
+void apply_filter(Caller& caller, PSFilter_* filter) {
     std::uint32_t image[side * side];
     for (int i = 0; i < side * side; ++i)
         image[i] = pattern(i % side, i / side);
     void* output = nullptr;
-    Progress progress{caller};
-    AT(AVApplyPSFilter)(filter, 0, on_progress, &progress, image, side, side, 4 * side, &output, &error);
+    int error = 0;
+    AT(AVApplyPSFilter)(filter, 0, on_progress, &caller, image, side, side, 4 * side, &output, &error);
     caller.note_bytes(output, sizeof image);
     AT(AVFreeGotPSFilterImage)(&output);
     BvUtilBool can_do = 0;
     AT(AVPSFilterCanDoLastFilter)(filter, &can_do);
     caller.note(can_do);
     AT(AVFreeGotPSFilter)(&filter);
+}
+
+PSFilter_* open_filter(Caller& caller, const std::string& path) {
+    char *category = nullptr, *name = nullptr;
+    PSFilter_* filter = nullptr;
+    int error = 0;
+    AT(AVGetPSFilterAndInfo)(path.c_str(), &category, &name, &filter, &error);
+    caller.note(category, name, error);
+    AT(AVFreeGotPSFilterInfo)(&category, &name);
+    return filter;
+}
+
+// A plug-in that calls the library while it works, and forgets what it set.
+Caller* caller_of_plugin = nullptr;
+
+void PS_CALL work_as_plugin(std::int16_t selector, ps::FilterRecord* record, std::int32_t*,
+                            std::int16_t* result) {
+    Caller& caller = *caller_of_plugin;
+    caller.check_state("the plug-in", 0x027F, 0x1F80);
+    *result = ps::result_ok;
+    caller.note(selector);
+    AT(BvUtil_PRound)(1 / 3.0, -selector);
+    const ps::Rect whole{0, 0, side, side};
+    record->inRect = record->outRect = selector == ps::selector_start ? whole : ps::Rect{};
+    record->inHiPlane = record->outHiPlane = 2;
+    if (selector == ps::selector_continue) {
+        std::memset(record->outData, 0x77, 3 * side * side);
+        record->progressProc(1, 3);
+        AT(env_close)(AT(env_open)(1, nullptr), 0);
+        caller.note(record->advanceState());
+    }
+    const std::uint32_t x87 = 0x0C7F, mxcsr = 0x5F80;
+    asm volatile("fldcw %0\n\tldmxcsr %1" : : "m"(x87), "m"(mxcsr));
+}
+
+void use_own_plugin(Caller& caller) {
+    PluginFiles files;
+    const std::string path = files.make(property_bytes::complete_list());
+    PSFilter_* const filter = open_filter(caller, path);
+    caller_of_plugin = &caller;
+    *reinterpret_cast<ps::EntryPoint*>(reinterpret_cast<void*>(
+        GetProcAddress(GetModuleHandleA(path.c_str()), "scripted_behaviour"))) = work_as_plugin;
+    apply_filter(caller, filter);
 }
 
 std::string filters_folder() {
@@ -152,7 +186,8 @@ void draw(Caller& caller, BvUtilImage image, Target& target) {
 
 void use_filters(Caller& caller) {
     for (const char* name : {"auto_levels.8bf", "unsharp_mask.8bf", "duotone.8bf"})
-        apply_filter(caller, filters_folder() + "\\" + name);
+        apply_filter(caller, open_filter(caller, filters_folder() + "\\" + name));
+    use_own_plugin(caller);
 }
 
 void use_gdi(Caller& caller) {

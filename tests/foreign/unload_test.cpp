@@ -104,7 +104,17 @@ class Unloading : public testing::Test {
     const HBITMAP bitmap = picture.bitmap();
 };
 
-TEST_F(Unloading, LeavesNothingAfterAThousandTimes) {
+// What the library rests on is there already, as it is in any program with windows: loading that again each
+// time would take longer than all the rest.
+class Reloading : public Unloading {
+  protected:
+    Reloading() {
+        for (const char* name : {"gdiplus.dll", "oleaut32.dll", "shell32.dll", "windowscodecs.dll"})
+            EXPECT_NE(LoadLibraryA(name), nullptr);
+    }
+};
+
+TEST_F(Reloading, LeavesNothingAfterAThousandTimes) {
     const auto load_and_unload = [&](int times) {
         for (int i = 0; i < times; ++i) {
             const HMODULE library = load();
@@ -117,25 +127,6 @@ TEST_F(Unloading, LeavesNothingAfterAThousandTimes) {
             expect_closed_log();
         }
     };
-    for (int i = 0; i < 8; ++i) {
-        Resources r;
-        SIZE_T committed = 0;
-        MEMORY_BASIC_INFORMATION m{};
-        int regions = 0;
-        for (char* a = nullptr; VirtualQuery(a, &m, sizeof m);
-             a = static_cast<char*>(m.BaseAddress) + m.RegionSize) {
-            if (m.State == MEM_COMMIT) committed += m.RegionSize;
-            ++regions;
-        }
-        DWORD tls = TlsAlloc();
-        TlsFree(tls);
-        DWORD fls = FlsAlloc(nullptr);
-        FlsFree(fls);
-        printf("gdi %lu win %lu handle %lu heap %lu committed %lu regions %d tls %lu fls %lu t %lu\n",
-               r.next_gdi_object, r.next_window, r.next_handle, (unsigned long)r.heap_bytes,
-               (unsigned long)committed, regions, tls, fls, GetTickCount());
-        load_and_unload(50);
-    }
     expect_nothing_kept(load_and_unload, 1000);
 }
 

@@ -1,5 +1,5 @@
-// What only a leak can add to: this process's handles and the bytes of the heap that the C runtime, GDI and
-// GDI+ share.
+// What only a leak can add to: this process's handles and the bytes of its heaps, of which the C runtime has
+// one of its own.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -14,7 +14,7 @@ struct Resources {
         next(CreateWindowA("STATIC", "", 0, 0, 0, 1, 1, nullptr, nullptr, nullptr, nullptr), DestroyWindow) &
         0xFFFF;
     DWORD next_handle = next(CreateEventA(nullptr, TRUE, FALSE, nullptr), CloseHandle) / 4;
-    SIZE_T heap_bytes = bytes_in_heap();
+    SIZE_T heap_bytes = bytes_in_heaps();
 
   private:
     template <class Handle, class Release>
@@ -22,13 +22,17 @@ struct Resources {
         release(handle);
         return static_cast<DWORD>(reinterpret_cast<UINT_PTR>(handle));
     }
-    static SIZE_T bytes_in_heap() {
+    static SIZE_T bytes_in_heaps() {
+        HANDLE heaps[64];
+        const DWORD count = GetProcessHeaps(64, heaps);
         SIZE_T bytes = 0;
-        PROCESS_HEAP_ENTRY entry{};
-        HeapLock(GetProcessHeap());
-        while (HeapWalk(GetProcessHeap(), &entry))
-            if (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) bytes += entry.cbData;
-        HeapUnlock(GetProcessHeap());
+        for (DWORD i = 0; i < count; ++i) {
+            PROCESS_HEAP_ENTRY entry{};
+            HeapLock(heaps[i]);
+            while (HeapWalk(heaps[i], &entry))
+                if (entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) bytes += entry.cbData;
+            HeapUnlock(heaps[i]);
+        }
         return bytes;
     }
 };
