@@ -11,6 +11,7 @@
 #include "bvutil/strings.h"
 #include "bvutil/text_exchange.h"
 #include "bvutil/triangulation.h"
+#include "tests/calcgeom/calculator_server.h"
 #include "tests/foreign/caller.h"
 #include "tests/imaging/canvas.h"
 #include "tests/support/calculator_registration.h"
@@ -18,6 +19,11 @@
 #include "tests/support/temp_dir.h"
 
 #include <gtest/gtest.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <objbase.h>
+#include <tlhelp32.h>
 
 namespace {
 
@@ -69,6 +75,7 @@ Opened use_each_family(Caller& caller, HBITMAP bitmap) {
     AT(gdiPlusGetBitmapFromHBitmap)(bitmap, &opened.image);
     char text[16] = "";
     AT(ConvertToUTF8)("\xFC", text);
+    AT(calc_init)(0);
     return opened;
 }
 
@@ -87,11 +94,23 @@ void close(Caller& caller, Opened& opened) {
 
 class Unloading : public testing::Test {
   protected:
-    Unloading() { write_file(dir.file("values.ini"), ""); }
-    HMODULE load() {
+    Unloading() {
+        write_file(dir.file("values.ini"), "");
+        // What the library rests on is there already, as in any program with windows: loading that again each
+        // time would take longer than all the rest.
+        for (const char* name : {"gdiplus.dll", "oleaut32.dll", "shell32.dll", "windowscodecs.dll"})
+            EXPECT_NE(LoadLibraryA(name), nullptr);
+    }
+    ~Unloading() override { CoUninitialize(); }
+
+    static HMODULE load() {
         const HMODULE library = LoadLibraryA("BvUtil.dll");
         EXPECT_NE(library, nullptr);
         return library;
+    }
+    static void unload(HMODULE library) {
+        FreeLibrary(library);
+        EXPECT_EQ(GetModuleHandleA("BvUtil.dll"), nullptr);
     }
     void expect_closed_log() {
         EXPECT_NE(read_file(dir.file("log.txt")).find(":: last words in \"here\" line 7\r\n"),
@@ -99,22 +118,16 @@ class Unloading : public testing::Test {
         EXPECT_TRUE(DeleteFileA(dir.file("log.txt").c_str())) << "it is open still";
     }
 
+    const HRESULT com = CoInitialize(nullptr);
     const TempDir dir;
     Canvas picture{2, 2};
     const HBITMAP bitmap = picture.bitmap();
+    const HiddenCalculatorRegistration hidden;
+    CalculatorServer calculator;
+    const CalculatorServer::Registration registration{calculator};
 };
 
-// What the library rests on is there already, as it is in any program with windows: loading that again each
-// time would take longer than all the rest.
-class Reloading : public Unloading {
-  protected:
-    Reloading() {
-        for (const char* name : {"gdiplus.dll", "oleaut32.dll", "shell32.dll", "windowscodecs.dll"})
-            EXPECT_NE(LoadLibraryA(name), nullptr);
-    }
-};
-
-TEST_F(Reloading, LeavesNothingAfterAThousandTimes) {
+TEST_F(Unloading, LeavesNothingAfterAThousandTimes) {
     const auto load_and_unload = [&](int times) {
         for (int i = 0; i < times; ++i) {
             const HMODULE library = load();
@@ -122,12 +135,13 @@ TEST_F(Reloading, LeavesNothingAfterAThousandTimes) {
             Opened opened = use_each_family(caller, bitmap);
             close(caller, opened);
             ASSERT_EQ(caller.violations, std::vector<std::string>{});
-            FreeLibrary(library);
-            ASSERT_EQ(GetModuleHandleA("BvUtil.dll"), nullptr);
+            unload(library);
+            calculator.take_calls();
             expect_closed_log();
         }
     };
     expect_nothing_kept(load_and_unload, 1000);
+    EXPECT_EQ(calculator.object_references, 1050) << "dropped each time, not released";
 }
 
 TEST_F(Unloading, SurvivesWhatIsLeftOpen) {
@@ -137,9 +151,40 @@ TEST_F(Unloading, SurvivesWhatIsLeftOpen) {
     EXPECT_NE(opened.sub, nullptr);
     EXPECT_NE(opened.filtered, nullptr);
     EXPECT_NE(opened.image, nullptr);
-    FreeLibrary(library);
-    EXPECT_EQ(GetModuleHandleA("BvUtil.dll"), nullptr);
+    std::FILE* const stream = opened.stream->stream;
+    unload(library);
     expect_closed_log();
+    EXPECT_EQ(std::fclose(stream), 0) << "the runtime's, not the library's";
+}
+
+// Modules and threads of this process.
+std::pair<int, int> modules_and_threads() {
+    const unique_file snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPMODULE | TH32CS_SNAPTHREAD, 0));
+    std::pair<int, int> count;
+    MODULEENTRY32 module{};
+    module.dwSize = sizeof module;
+    for (BOOL found = Module32First(snapshot.get(), &module); found;
+         found = Module32Next(snapshot.get(), &module))
+        ++count.first;
+    THREADENTRY32 thread{};
+    thread.dwSize = sizeof thread;
+    for (BOOL found = Thread32First(snapshot.get(), &thread); found;
+         found = Thread32Next(snapshot.get(), &thread))
+        count.second += thread.th32OwnerProcessID == GetCurrentProcessId();
+    return count;
+}
+
+// While it is loaded or unloaded, a library must not load others, start or await threads, or touch what the
+// thread has set for itself.
+TEST_F(Unloading, BringsNothingElseIn) {
+    const auto [modules, threads] = modules_and_threads();
+    Caller caller(GetModuleHandleA("kernel32.dll"), {"single precision, division raised", 4, 0x107B, 0x5D80},
+                  "");
+    const auto library = caller.member<HMODULE>("LoadLibraryA", nullptr, "BvUtil.dll");
+    EXPECT_EQ(modules_and_threads(), std::pair(modules + 1, threads));
+    caller.member<BOOL>("FreeLibrary", nullptr, library);
+    EXPECT_EQ(modules_and_threads(), std::pair(modules, threads));
+    EXPECT_EQ(caller.violations, std::vector<std::string>{});
 }
 
 } // namespace

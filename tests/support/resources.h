@@ -14,6 +14,7 @@ struct Resources {
         next(CreateWindowA("STATIC", "", 0, 0, 0, 1, 1, nullptr, nullptr, nullptr, nullptr), DestroyWindow) &
         0xFFFF;
     DWORD next_handle = next(CreateEventA(nullptr, TRUE, FALSE, nullptr), CloseHandle) / 4;
+    DWORD next_thread_slot = next_slot();
     SIZE_T heap_bytes = bytes_in_heaps();
 
   private:
@@ -21,6 +22,11 @@ struct Resources {
     static DWORD next(Handle handle, Release release) {
         release(handle);
         return static_cast<DWORD>(reinterpret_cast<UINT_PTR>(handle));
+    }
+    static DWORD next_slot() {
+        const DWORD slot = TlsAlloc();
+        TlsFree(slot);
+        return slot;
     }
     static SIZE_T bytes_in_heaps() {
         HANDLE heaps[64];
@@ -48,5 +54,6 @@ void expect_nothing_kept(Work&& work, int times = 10000) {
     EXPECT_LE(after.next_gdi_object, before.next_gdi_object + gaps);
     EXPECT_LE(after.next_window, before.next_window + gaps);
     EXPECT_LE(after.next_handle, before.next_handle + gaps);
+    EXPECT_LE(after.next_thread_slot, before.next_thread_slot);
     EXPECT_LE(after.heap_bytes, before.heap_bytes + 4096);
 }
