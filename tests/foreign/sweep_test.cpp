@@ -1,6 +1,7 @@
 // Every export, called through its address from every state that a caller may be in.
 #include "tests/foreign/families.h"
 #include "tests/support/calculator_registration.h"
+#include "tests/support/run_program.h"
 #include "tests/support/temp_dir.h"
 
 #include <gtest/gtest.h>
@@ -112,6 +113,13 @@ TEST_F(Sweep, GivesEveryCallerTheSameResults) {
         for (std::size_t i = 0; i < plain.transcript.size(); ++i)
             EXPECT_EQ(foreign.transcript[i], plain.transcript[i]) << "line " << i;
     }
+}
+
+// A program of another compiler, without a runtime. It tells which of its checks failed.
+TEST_F(Sweep, ServesAProgramOfAnotherCompiler) {
+    const ProgramRun run = run_program("tests\\foreign_client.exe", {}, dir.path());
+    EXPECT_EQ(run.code, 0);
+    EXPECT_EQ(run.err, "");
 }
 
 } // namespace
