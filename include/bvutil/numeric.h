@@ -1,8 +1,7 @@
 /** @file
  *  Rounding, trigonometry in degrees, guarded division, sign.
  *
- *  All work in IEEE double precision, whatever precision and rounding the caller's x87 unit is set to, and
- *  leave that unit as it was. NaN arguments give NaN unless a function says otherwise.
+ *  All work in IEEE double precision. NaN arguments give NaN unless a function says otherwise.
  */
 #ifndef BVUTIL_NUMERIC_H
 #define BVUTIL_NUMERIC_H

@@ -86,7 +86,7 @@ void use_numbers(Caller& caller) {
         }
     for (const double x : {2.7, -2.7, 3e9, -0.9})
         AT(BvUtil_LRound)(x);
-    for (const double x : {30.0, 45.0, 179.99999, -720.1, 0.5, denormal}) {
+    for (const double x : {30.0, 45.0, 179.99999, -720.1, 0.5, 1000.0, -3.7e5, 1e15, denormal}) {
         AT(sin_deg)(x);
         AT(cos_deg)(x);
         AT(atan_deg)(x);
