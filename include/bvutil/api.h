@@ -9,10 +9,10 @@
  *    function that its comment names, never by the caller's own runtime.
  *  - Nothing is thrown across the boundary: running out of memory gives the family's failure result.
  *  - No locks: each family is used from one thread at a time.
- *  - Results do not depend on how the caller's thread computes (precision and rounding of the x87 unit,
- * MXCSR), on its stack alignment, or on the C locale unless a comment says so. What the thread has set is set
- * again when a function returns, and while it calls a callback; filter plug-ins and the calculator run with
- * the platform's usual settings.
+ *  - Results do not depend on how the caller's thread computes (precision and rounding of the x87 unit, the
+ *    MXCSR register), on its stack alignment, or on the C locale unless a comment says so. What the thread
+ *    has set is set again when a function returns, and while it calls a callback; filter plug-ins and the
+ *    calculator run with the platform's usual settings.
  */
 #ifndef BVUTIL_API_H
 #define BVUTIL_API_H
