@@ -30,4 +30,14 @@ if [ ! -e "$WINEPREFIX/.ready" ]; then
     ) 9>"$root/build/wine.lock"
 fi
 [ "${1:-}" != --prefix ] || exit 0
+# Wine's services and desktop outlive the program that happens to start them, and keep its error output open: who
+# reads that from a pipe, as ctest does, would wait for them as well.
+if [ -p /dev/stderr ]; then
+    errors=$(mktemp)
+    trap 'rm -f "$errors"' EXIT
+    code=0
+    wine "$@" 2>"$errors" || code=$?
+    cat "$errors" >&2
+    exit "$code"
+fi
 exec wine "$@"

@@ -43,7 +43,7 @@ constinit Lock the_lock;
 class Slot {
   public:
     Slot() noexcept = default;
-    // After everything else of the module, whose construction began before.
+    // The last of the module's destructors: the first to be constructed is the last to be destroyed.
     ~Slot() {
         if (m_index != FLS_OUT_OF_INDEXES) FlsFree(m_index);
         m_index = FLS_OUT_OF_INDEXES;

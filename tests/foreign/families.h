@@ -19,6 +19,9 @@ void use_filters(Caller& caller);
 void use_gdi(Caller& caller);
 void use_gdiplus(Caller& caller);
 
+// The path of a sample filter.
+std::string filter_path(const char* name);
+
 inline constexpr Family families[] = {
     {"environment", use_environment},   {"files", use_files},           {"classes", use_classes},
     {"run-time services", use_runtime}, {"calculator", use_calculator}, {"triangulation", use_triangulation},

@@ -125,12 +125,6 @@ void use_own_plugin(Caller& caller) {
     apply_filter(caller, filter);
 }
 
-std::string filters_folder() {
-    char self[MAX_PATH];
-    GetModuleFileNameA(nullptr, self, sizeof self);
-    return (std::filesystem::path(self).parent_path().parent_path() / "filters").string();
-}
-
 void note_and_free(Caller& caller, BvUtilImage& image) {
     const std::string path = caller.file("image.bmp");
     AT(gdiPlusSaveImage)(image, path.c_str(), 0);
@@ -184,9 +178,15 @@ void draw(Caller& caller, BvUtilImage image, Target& target) {
 
 } // namespace
 
+std::string filter_path(const char* name) {
+    char self[MAX_PATH];
+    GetModuleFileNameA(nullptr, self, sizeof self);
+    return (std::filesystem::path(self).parent_path().parent_path() / "filters" / name).string();
+}
+
 void use_filters(Caller& caller) {
     for (const char* name : {"auto_levels.8bf", "unsharp_mask.8bf", "duotone.8bf"})
-        apply_filter(caller, open_filter(caller, filters_folder() + "\\" + name));
+        apply_filter(caller, open_filter(caller, filter_path(name)));
     use_own_plugin(caller);
 }
 

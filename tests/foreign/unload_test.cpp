@@ -12,7 +12,7 @@
 #include "bvutil/text_exchange.h"
 #include "bvutil/triangulation.h"
 #include "tests/calcgeom/calculator_server.h"
-#include "tests/foreign/caller.h"
+#include "tests/foreign/families.h"
 #include "tests/imaging/canvas.h"
 #include "tests/support/calculator_registration.h"
 #include "tests/support/resources.h"
@@ -21,17 +21,10 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
-#include <filesystem>
 #include <objbase.h>
 #include <tlhelp32.h>
 
 namespace {
-
-std::string auto_levels() {
-    char self[MAX_PATH];
-    GetModuleFileNameA(nullptr, self, sizeof self);
-    return (std::filesystem::path(self).parent_path().parent_path() / "filters" / "auto_levels.8bf").string();
-}
 
 // What is opened in a family, for the time that the library is loaded.
 struct Opened {
@@ -68,7 +61,8 @@ Opened use_each_family(Caller& caller, HBITMAP bitmap) {
 
     const std::uint32_t pixels[4] = {1, 2, 3, 4};
     int error = 0;
-    AT(AVGetPSFilterAndInfo)(auto_levels().c_str(), nullptr, nullptr, &opened.filter, &error);
+    AT(AVGetPSFilterAndInfo)
+    (filter_path("auto_levels.8bf").c_str(), nullptr, nullptr, &opened.filter, &error);
     AT(AVApplyPSFilter)(opened.filter, 0, nullptr, nullptr, pixels, 2, 2, 8, &opened.filtered, &error);
     DeleteObject(AT(BvUtil_CreateRegionFromBitmap)(bitmap, 0u));
     AT(gdiPlusInit)();
