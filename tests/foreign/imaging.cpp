@@ -7,7 +7,7 @@
 #include "bvutil/text_exchange.h"
 #include "tests/filterhost/plugin_files.h"
 #include "tests/foreign/families.h"
-#include "tests/imaging/canvas.h"
+#include "tests/support/canvas.h"
 #include "tests/support/temp_dir.h"
 
 #include <filesystem>

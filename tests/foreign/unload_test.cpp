@@ -13,8 +13,8 @@
 #include "bvutil/triangulation.h"
 #include "tests/calcgeom/calculator_server.h"
 #include "tests/foreign/families.h"
-#include "tests/imaging/canvas.h"
 #include "tests/support/calculator_registration.h"
+#include "tests/support/canvas.h"
 #include "tests/support/resources.h"
 #include "tests/support/temp_dir.h"
 
