@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <windows.h>
 
 // Handles are numbered from below, and the number of a new one tells how many there are. (Wine's counts of
@@ -48,6 +49,11 @@ template <class Work>
 void expect_nothing_kept(Work&& work, int times = 10000) {
     work(50);
     const Resources before;
+    {
+        void* const volatile block = std::malloc(10000);
+        EXPECT_GE(Resources().heap_bytes, before.heap_bytes + 10000) << "the measure sees nothing";
+        std::free(block);
+    }
     work(times);
     const Resources after;
     const DWORD gaps = 50; // where handles were released before
