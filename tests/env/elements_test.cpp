@@ -139,27 +139,6 @@ TEST(EnvCheck, TellsWhatIsThere) {
     EXPECT_EQ(env_check(env, "S", "c", 1), ENV_NOT_FOUND);
 }
 
-TEST(EnvOpenSubenv, StandsOnAnElementOfAnyKind) {
-    Messages messages;
-    const Env base(7), env(3, base);
-    read_text(env, sample);
-    read_text(base, "[S]\nz =low\n");
-    EXPECT_EQ(env_open_subenv(env, "S", "nothing", 1), nullptr);
-    EXPECT_EQ(env_open_subenv(env, "U", nullptr, 1), nullptr);
-    EXPECT_EQ(env_open_subenv(env, "S", "", 1), nullptr);
-    EXPECT_EQ(env_open_subenv(env, nullptr, "a", 1), nullptr);
-    EXPECT_EQ(messages.take(), (Texts{"Bad Path was given", "bypass Nil section"}));
-
-    const Env deep(env, "S", "c@2", 0), section(env, "S");
-    char text[8];
-    EXPECT_EQ(env_get(deep, nullptr, nullptr, 1, sizeof text, text), 3); // the layer tag is copied
-    EXPECT_STREQ(text, "33");
-    EXPECT_EQ(env_get(section, "S", "z", 1, sizeof text, text), 7); // and so is the fallback
-    EXPECT_EQ(env_put(deep, nullptr, "child", "v"), ENV_OK);
-    EXPECT_EQ(env_check(env, "S", "b@c@2", 1), ENV_IS_BLOCK);
-    EXPECT_EQ(text_at(env, "S", "b@c@2@child"), "v");
-}
-
 TEST(EnvOpenSubenv, OutlivesItsElement) {
     const Env env;
     read_text(env, sample);
@@ -197,20 +176,6 @@ TEST(EnvDelete, TakesTheElementAndItsSubtree) {
         EXPECT_EQ(env_delete(handle, section, path), status) << (path ? path : "null");
     EXPECT_EQ(messages.take(), (Texts{"Bad Path was given", "bypass Nil section"}));
     EXPECT_EQ(written(env), "[S]\n  b ={\n    c =33\n  }\n  e ={\n  }\n");
-    // First, middle and last go; what is put next is last again.
-    for (const char* victim : {"v@2", "v@1", "v@3"}) {
-        env_put(env, "D", "v@3", "3");
-        env_put(env, "D", "v@1", "1");
-        env_put(env, "D", "v@2", "2");
-        EXPECT_EQ(env_delete(env, "D", victim), ENV_OK);
-        EXPECT_EQ(env_count_elements(env, "D", nullptr, 1), 2);
-        env_put(env, "D", "w", "w");
-        EXPECT_EQ(env_count_elements(env, "D", nullptr, 1), 3);
-        char name[4];
-        EXPECT_EQ(env_get_pos(env, "D", nullptr, 1, 3, nullptr, 4, name, 0, nullptr, nullptr), ENV_IS_DATA);
-        EXPECT_STREQ(name, "w");
-        EXPECT_EQ(env_delete(env, "D", nullptr), ENV_OK);
-    }
 }
 
 TEST(EnvInsertBefore, PutsANewElementInFront) {
@@ -250,30 +215,6 @@ TEST(EnvInsertBefore, PutsANewElementInFront) {
     const Env external_section(env, "outside");
     EXPECT_EQ(env_check(external_section, nullptr, nullptr, 1), ENV_IS_EXTERNAL);
     EXPECT_EQ(written(env).substr(0, 8), "[R]\n[S]\n"); // a block, and empty
-}
-
-TEST(Counts, OfElementsAndBytes) {
-    const Env env;
-    EXPECT_EQ(env_count_elements(env, nullptr, nullptr, 1), 0);
-    read_text(env, sample);
-    const Env block(env, "S", "b"), data(env, "S", "a");
-    const struct {
-        EnvHandle env;
-        const char *section, *path;
-        long elements, bytes;
-    } cases[] = {
-        {env, nullptr, nullptr, 2, 0},  {env, "S", nullptr, 3, 0}, {env, "U", nullptr, 0, 0},
-        {env, "S", "b", 2, 0},          {env, "S", "e", 0, 0},     {env, "S", "a", 0, 1},
-        {env, "S", "b@c@2", 0, 2},      {env, "S", "no", 0, 0},    {block, nullptr, nullptr, 2, 0},
-        {data, nullptr, nullptr, 0, 1}, {block, "?", "c@2", 0, 2},
-    };
-    for (const auto& [handle, section, path, elements, bytes] : cases) {
-        EXPECT_EQ(env_count_elements(handle, section, path, 1), elements) << (path ? path : "null");
-        if (section || handle != EnvHandle(env)) {
-            EXPECT_EQ(env_data_length(handle, section, path, 1), bytes) << (path ? path : "null");
-        }
-    }
-    EXPECT_EQ(env_data_length(env, "S", "c@2", 0), 2);
 }
 
 } // namespace

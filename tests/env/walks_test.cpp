@@ -31,27 +31,6 @@ struct Visits {
 constexpr const char* drawing = "[view]\nscale =100\nlayers ={\n name =walls\n name =roofs\n none ={\n }\n"
                                 " deep ={\n  name =x\n }\n}\n[view]\nscale =7\n[none]\n[print]\npaper =A4\n";
 
-TEST(Traverse, HandsOutChildrenAndSectionsInOrder) {
-    const Env env;
-    read_text(env, drawing);
-    Visits visits;
-    EXPECT_EQ(visits.over(env, nullptr), ENV_OK);
-    EXPECT_EQ(visits.lines, (Texts{"view:-=<-1>", "view:-=<-1>", "none:-=<-1>", "print:-=<-1>"}));
-    EXPECT_EQ(visits.over(env, "view"), ENV_OK);
-    EXPECT_EQ(visits.lines, (Texts{"view:scale@1=100", "view:layers@1=<-1>"}));
-    const Texts layers{"view:layers@name@1=walls", "view:layers@name@2=roofs", "view:layers@none@1=<-1>",
-                       "view:layers@deep@1=<-1>"};
-    EXPECT_EQ(visits.over(env, "view", "layers"), ENV_OK);
-    EXPECT_EQ(visits.lines, layers);
-    EXPECT_EQ(visits.over(env, "view", "deep", 0), ENV_OK);
-    EXPECT_EQ(visits.lines, Texts{"view:deep@name@1=x"});
-    const Env sub(env, "view", "layers");
-    EXPECT_EQ(visits.over(sub, nullptr), ENV_OK);
-    EXPECT_EQ(visits.lines.front(), "-:name@1=walls");
-    EXPECT_EQ(visits.over(sub, "any", "deep"), ENV_OK);
-    EXPECT_EQ(visits.lines, Texts{"any:deep@name@1=x"});
-}
-
 TEST(Traverse, TellsWhyThereIsNothingToWalk) {
     Messages messages;
     const Env env;
@@ -138,40 +117,6 @@ TEST(Traverse, HandsOutNothingWhereANameHoldsTheDelimiter) {
     EXPECT_EQ(messages.take(), Texts(2, "Nil parametr")); // closing what was not opened
 }
 
-TEST(LeafWalk, VisitsDataAndExternalsWithTheirFullPaths) {
-    Messages messages;
-    const Env env;
-    read_text(env, drawing);
-    env_put_external(env, "print", "page", 1);
-    Visits visits;
-    EXPECT_EQ(visits.over_leafs(env), ENV_OK);
-    // The second section 'view' is addressed by its name alone, which leads to the first.
-    const Texts view{"view:scale@1=100", "view:layers@1@name@1=walls", "view:layers@1@name@2=roofs",
-                     "view:layers@1@deep@1@name@1=x"};
-    Texts all = view;
-    all.insert(all.end(), view.begin(), view.end());
-    all.insert(all.end(), {"print:paper@1=A4", "print:page@1=<-1>"});
-    EXPECT_EQ(visits.lines, all);
-    {
-        const Env sub(env, "view", "layers");
-        EXPECT_EQ(visits.over_leafs(sub), ENV_OK);
-        EXPECT_EQ(visits.lines, (Texts{"-:name@1=walls", "-:name@2=roofs", "-:deep@1@name@1=x"}));
-        const Env data(env, "view", "scale");
-        EXPECT_EQ(visits.over_leafs(data), ENV_INVALID); // nothing to walk over
-    }
-    {
-        env_put(env, "leaf", nullptr, "");
-        const Env section(env, "leaf");
-        env_put(section, nullptr, nullptr, "text");
-    }
-    EXPECT_EQ(visits.over_leafs(env), ENV_OK);
-    EXPECT_EQ(visits.lines.back(), "leaf:-=text");
-    EXPECT_EQ(messages.take(), Texts());
-    const Env empty;
-    EXPECT_EQ(visits.over_leafs(empty), ENV_INVALID);
-    EXPECT_EQ(visits.lines, Texts());
-}
-
 TEST(LeafWalk, PassesOverTheRestAfterAFailedStep) {
     Messages messages;
     const Env env;
@@ -242,28 +187,6 @@ TEST(ListNames, FitsExactlyOrIsEmptied) {
     EXPECT_STREQ(buf, "a\nb\na\n");
 }
 
-TEST(Sink, CopiesByMode) {
-    const struct {
-        int mode;
-        const char* expected;
-    } cases[] = {
-        {0, "[S]\n  a =old\n  a =old2\n  b ={\n    c =old\n    d =new\n  }\n  n =new\n[T]\n  t =new\n"},
-        {1, "[S]\n  a =old\n  a =old2\n  b ={\n    c =old\n    c =new\n    d =new\n  }\n  a =new\n  n =new\n"
-            "[T]\n  t =new\n"},
-        {2, "[S]\n  a =new\n  a =old2\n  b ={\n    c =new\n    d =new\n  }\n  n =new\n[T]\n  t =new\n"},
-        {3, "[S]\n  a =new\n  a =old2\n  b ={\n    c =new\n  }\n"},
-    };
-    for (const auto& [mode, expected] : cases) {
-        const Env dst, src;
-        read_text(dst, "[S]\na =old\na =old2\nb ={\nc =old\n}\n");
-        read_text(src, "[S]\na =new\nb ={\n c =new\n d =new\n}\nn =new\n[T]\nt =new\n");
-        env_put_external(src, "S", "x", 1);
-        EXPECT_EQ(env_sink(dst, src, mode), ENV_OK);
-        EXPECT_EQ(written(dst), expected) << mode;
-        EXPECT_EQ(env_check(dst, "S", "x", 1), ENV_NOT_FOUND);
-    }
-}
-
 TEST(Sink, FailsForABadModeAndWithNothingToWalk) {
     Messages messages;
     const Env dst, src;
@@ -321,43 +244,6 @@ TEST(Sink, CopiesTextsOf254BytesAndStopsAtLongerOnes) {
     EXPECT_EQ(env_sink(dst, src, 0), ENV_OK);
     EXPECT_EQ(text_at(dst, "S", "b"), "kept");
     EXPECT_EQ(text_at(dst, "S", "c"), "3");
-}
-
-TEST(Sink, CopiesWithinOneTree) {
-    const Env env;
-    read_text(env, "[S]\na =1\na =2\nb ={\n c =3\n}\n[T]\n");
-    for (const int mode : {0, 2, 3}) {
-        const std::string before = written(env);
-        EXPECT_EQ(env_sink(env, env, mode), ENV_OK);
-        EXPECT_EQ(written(env), before);
-    }
-    EXPECT_EQ(env_sink(env, env, 1), ENV_OK);
-    EXPECT_EQ(written(env), "[S]\n  a =1\n  a =2\n  b ={\n    c =3\n    c =3\n  }\n  a =1\n  a =2\n[T]\n");
-    {
-        // Out of a block into one below it.
-        const Env whole(env, "S"), part(env, "S", "b");
-        EXPECT_EQ(env_sink(part, whole, 2), ENV_OK);
-    }
-    EXPECT_EQ(text_at(env, "S", "b@a@4"), "2");
-    EXPECT_EQ(text_at(env, "S", "b@b@c@2"), "3");
-    EXPECT_EQ(text_at(env, "S", "b@b@b"), "<-4>");
-    EXPECT_EQ(env_copy_block(env, env, "S", "b", 1), ENV_OK);
-    EXPECT_EQ(text_at(env, "S", "b@a@8"), "2");
-}
-
-TEST(CopyBlock, CopiesToTheSamePlace) {
-    Messages messages;
-    const Env dst, src;
-    read_text(src, "[S]\na ={\n b ={\n  c =1\n  c =2\n }\n}\nd =text\n[T]\nt =5\n");
-    EXPECT_EQ(env_copy_block(dst, src, "S", "a@b", 2), ENV_OK);
-    EXPECT_EQ(written(dst), "[S]\n  a ={\n    b ={\n      c =1\n      c =2\n    }\n  }\n");
-    EXPECT_EQ(env_copy_block(dst, src, "T", nullptr, 2), ENV_OK);
-    EXPECT_EQ(text_at(dst, "T", "t"), "5");
-    EXPECT_EQ(env_copy_block(dst, src, "S", "nowhere", 2), ENV_INVALID);
-    EXPECT_EQ(env_check(dst, "S", "nowhere", 1), ENV_NOT_FOUND);
-    EXPECT_EQ(env_copy_block(dst, src, "S", "d", 2), ENV_INVALID); // no block to walk over
-    EXPECT_EQ(env_check(dst, "S", "d", 1), ENV_IS_EXTERNAL);       // its place is there already
-    EXPECT_EQ(messages.take(), Texts());
 }
 
 TEST(CreateSubenv, OpensWhatIsThereAndElseAnExternal) {

@@ -1,37 +1,13 @@
 // Writing, byte for byte.
+#include "tests/env/model.h"
 #include "tests/env/store.h"
 
 namespace {
 
-TEST(Writer, WritesSectionsDataAndBlocks) {
-    const Env env;
-    env_put(env, "S", "a", "1");
-    env_put_external(env, "S", "x", 1);
-    env_put(env, "S", "b@c@d", " v ");
-    env_put(env, "S", "b@c@e", "");
-    env_delete(env, "S", "b@c@d");
-    env_put(env, "S", "b@f", "2");
-    env_put(env, "T", nullptr, "");
-    env_put(env, "D", nullptr, "");
-    const Env data(env, "D");
-    env_put(data, nullptr, nullptr, "text");
-    env_put(env, "X", nullptr, "");
-    const Env external(env, "X");
-    env_put_external(external, nullptr, nullptr, 1);
-    EXPECT_EQ(written(env), "[S]\n  a =1\n  b ={\n    c ={\n      e =\n    }\n    f =2\n  }\n[T]\n[D]text\n");
-    env_delete(env, "S", "b@f");
-    env_delete(env, "S", "b@c");
-    EXPECT_EQ(written(env), "[S]\n  a =1\n  b ={\n  }\n[T]\n[D]text\n");
-}
-
-// A line as the rule says it, character by character.
 std::string folded(const std::string& text, std::size_t level) {
-    std::string line(level - 1, ' ');
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if ((i + level) % 60 == 0) line += "\\\n";
-        line += text[i];
-    }
-    return line + "\n";
+    std::string line;
+    model::write_line(line, text, level);
+    return line;
 }
 
 TEST(Writer, FoldsLines) {
