@@ -1,7 +1,7 @@
 // Base64: all kernels give the same text, and it decodes to what was encoded.
 #include "imaging/base64.h"
+#include "fuzz/require.h"
 
-#include <cstdlib>
 #include <cstring>
 #include <string_view>
 #include <vector>
@@ -15,7 +15,7 @@ std::vector<std::uint8_t> decoded(std::string_view text) {
     int bits = 0;
     for (const char c : text.substr(0, text.find('='))) {
         const auto digit = alphabet.find(c);
-        if (digit == std::string_view::npos) std::abort();
+        require(digit != std::string_view::npos);
         value = value << 6 | static_cast<std::uint32_t>(digit);
         bits += 6;
         if (bits >= 8) bytes.push_back(static_cast<std::uint8_t>(value >> (bits -= 8)));
@@ -32,8 +32,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     for (const CpuLevel level : {CpuLevel::ssse3, CpuLevel::avx2}) {
         if (level > cpu_level()) continue;
         base64_encode(bytes, fast.data(), level);
-        if (fast != plain) std::abort();
+        require(fast == plain);
     }
-    if (decoded({plain.data(), plain.size()}) != bytes) std::abort();
+    require(decoded({plain.data(), plain.size()}) == bytes);
     return 0;
 }

@@ -1,10 +1,10 @@
 // BMP images from every layout, one after the other into one object: whatever comes, it holds 32-bit pixels
 // of the size that its headers tell, or none.
+#include "fuzz/require.h"
 #include "imaging/bitmap_ex.h"
 
 #include <algorithm>
 #include <cstdio>
-#include <cstdlib>
 #include <vector>
 
 namespace {
@@ -19,10 +19,6 @@ bool is_large(std::span<const std::uint8_t> image, std::size_t header_at) {
     std::copy(bytes.begin(), bytes.end(), reinterpret_cast<std::uint8_t*>(&info));
     return info.width > 0 && info.height > 0 &&
            std::uint64_t(info.width) * std::uint64_t(info.height) > 1 << 12;
-}
-
-void require(bool condition) {
-    if (!condition) std::abort();
 }
 
 // What is written reads as the same pixels, which have no fourth bytes.

@@ -3,15 +3,11 @@
 #include "components/calculator/calculator.h"
 #include "components/calculator/failure_text.h"
 #include "components/calculator/number_text.h"
+#include "fuzz/require.h"
 
 #include <cmath>
-#include <cstdlib>
 
 namespace {
-
-void require(bool condition) {
-    if (!condition) std::abort();
-}
 
 void check_round_trip(Calculator& calculator, double value) {
     require(std::isfinite(value));

@@ -4,18 +4,14 @@
 #include "bvutil/fio.h"
 #include "bvutil/strings.h"
 #include "files/byte_order.h"
+#include "fuzz/require.h"
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <memory>
 #include <string>
 
 namespace {
-
-void require(bool holds) {
-    if (!holds) std::abort();
-}
 
 struct CloseFile {
     void operator()(std::FILE* stream) const { std::fclose(stream); }

@@ -1,22 +1,18 @@
 // Paths of the environment store: the first byte chooses the code page, the first line is the delimiter, the
 // rest the path; split as the plainest splitter does it.
 #include "env/path.h"
+#include "fuzz/require.h"
 #include "module/multibyte.h"
 #include "tests/support/double_byte.h"
 
 #include <algorithm>
 #include <climits>
 #include <cstdint>
-#include <cstdlib>
 #include <optional>
 #include <string>
 #include <vector>
 
 namespace {
-
-void require(bool holds) {
-    if (!holds) std::abort();
-}
 
 std::vector<std::string> characters(std::string_view text) {
     std::vector<std::string> all;

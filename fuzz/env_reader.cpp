@@ -4,18 +4,14 @@
 #include "env/char_source.h"
 #include "env/handle.h"
 #include "env/reader.h"
+#include "fuzz/require.h"
 #include "tests/native/seams.h"
 
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 #include <string_view>
 
 namespace {
-
-void require(bool holds) {
-    if (!holds) std::abort();
-}
 
 class Env {
   public:

@@ -1,10 +1,10 @@
 // Value texts: the first byte is the room for items and the item size of words, the rest the text. What reads
 // as a value is what the plain rules say, item by item.
 #include "env/value_scanner.h"
+#include "fuzz/require.h"
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <string>
@@ -12,10 +12,6 @@
 #include <vector>
 
 namespace {
-
-void require(bool holds) {
-    if (!holds) std::abort();
-}
 
 bool is_digit(char c) {
     return c >= '0' && c <= '9';

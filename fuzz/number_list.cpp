@@ -1,21 +1,17 @@
 // Lists of numbers: the first byte is the room for values, the rest the text.
 #include "files/number_list.h"
 #include "files/number_text.h"
+#include "fuzz/require.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <vector>
 
 namespace {
-
-void require(bool holds) {
-    if (!holds) std::abort();
-}
 
 bool same(double a, double b) {
     return std::memcmp(&a, &b, sizeof a) == 0;

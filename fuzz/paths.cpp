@@ -1,23 +1,19 @@
 // Splitting, joining and searching of paths: the first byte chooses the code page and which texts are left
 // out, the others are base, directory and file, separated by line feeds.
 #include "bvutil/strings.h"
+#include "fuzz/require.h"
 #include "module/multibyte.h"
 #include "runtime/path_parts.h"
 #include "tests/support/double_byte.h"
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <optional>
 #include <string>
 
 namespace {
-
-void require(bool holds) {
-    if (!holds) std::abort();
-}
 
 // In memory of its own, so that a byte too many is seen.
 std::unique_ptr<char[]> exact_copy(const std::string& text) {

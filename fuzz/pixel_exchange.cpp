@@ -1,6 +1,7 @@
 // Any rectangle, planes and image: nothing outside the image or the buffer is touched, and what was gathered
 // and written back leaves the image as it was.
 #include "filterhost/pixel_exchange.h"
+#include "fuzz/require.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -9,10 +10,6 @@
 #include <vector>
 
 namespace {
-
-void require(bool condition) {
-    if (!condition) __builtin_trap();
-}
 
 #pragma pack(push, 1)
 struct Input {

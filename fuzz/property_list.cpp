@@ -1,6 +1,7 @@
 // Property lists of any bytes on any address: texts that the host may use are terminated within their
 // resource's measure, and the same bytes always give the same list.
 #include "filterhost/property_list.h"
+#include "fuzz/require.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -8,10 +9,6 @@
 #include <string_view>
 
 namespace {
-
-void require(bool condition) {
-    if (!condition) __builtin_trap();
-}
 
 std::string_view text(const std::unique_ptr<char[]>& text) {
     return text ? text.get() : std::string_view();

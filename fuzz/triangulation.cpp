@@ -1,20 +1,16 @@
 // Any floats as points: the triangles are those of the plain reference, bit by bit.
 #include "bvutil/triangulation.h"
+#include "fuzz/require.h"
 #include "tests/calcgeom/triangulation_reference.h"
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <vector>
 
 namespace {
 
 constexpr std::size_t most_points = 200;
-
-void require(bool condition) {
-    if (!condition) std::abort();
-}
 
 // The first byte says how coordinates are coded: as floats of any kind, or as bytes times a power of two, so
 // that points of a lattice are found easily.
