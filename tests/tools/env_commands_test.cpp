@@ -48,7 +48,10 @@ TEST_F(EnvCommands, ShowsEveryElement) {
 TEST_F(EnvCommands, ReadsAndReports) {
     write("a.env", tree);
     write("site.env", "[view]\n  unit = mm\n  scale = 7\n[print]\n  paper = A4\n  a@b = odd\n");
+    write("low.env", "[view]\n scale ={\n k = 1\n }\n unit = mm\n layers ={\n name =x\n name =y\n name =z\n"
+                     " }\n[view]\n late = 1\n");
     write("brace.env", "[S]\r\n a = b\\\r\n }\r\n }");
+    write("empty.env", "");
     write("cut.env", "[S]\n a = 1\n\xFF b = 2\n");
     struct Case {
         Arguments arguments;
@@ -76,6 +79,19 @@ TEST_F(EnvCommands, ReadsAndReports) {
          "{\"name\":\"unit\",\"value\":\"mm\"},{\"name\":\"scale\",\"value\":\"7\"}]},"
          "{\"name\":\"print\",\"elements\":[{\"name\":\"paper\",\"value\":\"A4\"},"
          "{\"name\":\"a@b\",\"value\":\"odd\"}]}]}\n"},
+        {{"show", "a.env", "--fallback", "low.env", "--fallback", "site.env", "--which"},
+         0,
+         "a.env\n├── [view]\n│   ├── scale = 100 (a.env)\n│   ├── layers\n"
+         "│   │   ├── name@1 = walls (a.env)\n│   │   ├── name@2 = roofs (a.env)\n"
+         "│   │   └── name@3 = z (low.env)\n│   ├── pens = 0.5, 1 (a.env)\n│   └── unit = mm (low.env)\n"
+         "└── [print]\n    ├── paper = A4 (site.env)\n    └── a@b = odd (site.env)\n"},
+        {{"show", "empty.env", "--fallback", "site.env", "--which", "--json"},
+         0,
+         "{\"file\":\"empty.env\",\"sections\":[{\"name\":\"view\",\"elements\":["
+         "{\"name\":\"unit\",\"value\":\"mm\",\"file\":\"site.env\"},"
+         "{\"name\":\"scale\",\"value\":\"7\",\"file\":\"site.env\"}]},"
+         "{\"name\":\"print\",\"elements\":[{\"name\":\"paper\",\"value\":\"A4\",\"file\":\"site.env\"},"
+         "{\"name\":\"a@b\",\"value\":\"odd\",\"file\":\"site.env\"}]}]}\n"},
         {{"get", "a.env", "view", "pens", "--as", "doubles", "--json"},
          0,
          "{\"file\":\"a.env\",\"section\":\"view\",\"path\":\"pens\",\"value\":[0.5,1]}\n"},
@@ -101,6 +117,8 @@ TEST_F(EnvCommands, ReadsAndReports) {
         {{"show", "missing.env"}, 3, "\"missing.env\""},
         {{"show", "."}, 3, "is a folder"},
         {{"show", "CON"}, 3, "is a device"},
+        {{"show", "a.env", "--fallback", "missing.env"}, 3, "\"missing.env\""},
+        {{"show", "a.env", "--fallback", "site.env", "--text"}, 64, "--fallback excludes --text"},
         {{"get", "a.env"}, 64, "SECTION is required"},
         {{"get", "a.env", "view", "scale", "--as", "number"}, 64, "--as"},
     };

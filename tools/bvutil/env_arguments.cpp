@@ -53,6 +53,13 @@ EnvCommand& EnvCommand::kind(const char* description) {
     return *this;
 }
 
+EnvCommand& EnvCommand::fallbacks(const char* description) {
+    m_command->add_option("--fallback", m_arguments->fallbacks, description)
+        ->type_name("FILE")
+        ->allow_extra_args(false);
+    return *this;
+}
+
 EnvCommand& EnvCommand::json() {
     add_json(m_command, m_arguments->json);
     return *this;

@@ -39,6 +39,7 @@ class EnvCommand {
     EnvCommand& path(bool is_required);
     EnvCommand& deep();
     EnvCommand& kind(const char* description);
+    EnvCommand& fallbacks(const char* description);
     EnvCommand& backup() { return flag("--backup", m_arguments->backup, "Keep the former file as FILE.bak"); }
     EnvCommand& json();
     EnvCommand& required(const char* name, std::string& target, const char* description);

@@ -3,46 +3,24 @@
 #include "tools/bvutil/console.h"
 #include "tools/bvutil/env_arguments.h"
 #include "tools/bvutil/env_file.h"
+#include "tools/bvutil/env_layers.h"
 #include "tools/bvutil/env_show.h"
 #include "tools/bvutil/env_syntax.h"
 #include "tools/bvutil/env_tree.h"
 #include "tools/bvutil/env_values.h"
 #include "tools/bvutil/json_writer.h"
 
-#include <memory>
 #include <string>
 #include <vector>
 
 namespace {
 
-// The file's environment on top of those of the fallbacks; layer tags number them from 0, the file.
-class Layers {
-  public:
-    Layers(const EnvArguments& arguments, MessageCapture& messages) : m_files(arguments.fallbacks) {
-        m_files.insert(m_files.begin(), arguments.file);
-        m_layers.resize(m_files.size());
-        for (std::size_t i = m_files.size(); i-- > 0;) {
-            const EnvHandle below = i + 1 < m_layers.size() ? m_layers[i + 1]->get() : nullptr;
-            m_layers[i] = std::make_unique<Environment>(static_cast<long>(i), below);
-            load(m_layers[i]->get(), m_files[i], messages);
-        }
-    }
-    ~Layers() {
-        for (auto& layer : m_layers) // from the top: a fallback is busy while something stands on it
-            layer.reset();
-    }
-    Layers(const Layers&) = delete;
-    Layers& operator=(const Layers&) = delete;
-
-    EnvHandle top() const { return m_layers.front()->get(); }
-    EnvHandle env(std::size_t layer) const { return m_layers[layer]->get(); }
-    const std::string& file(std::size_t layer) const { return m_files[layer]; }
-    std::size_t count() const { return m_files.size(); }
-
-  private:
-    std::vector<std::string> m_files;
-    std::vector<std::unique_ptr<Environment>> m_layers;
-};
+// The file and its fallbacks.
+std::vector<std::string> files_of(const EnvArguments& arguments) {
+    std::vector<std::string> files = arguments.fallbacks;
+    files.insert(files.begin(), arguments.file);
+    return files;
+}
 
 // An object that tells what was asked for, and of which file; the caller goes on with the answer.
 JsonWriter begin_answer(const EnvArguments& arguments, const std::string& file) {
@@ -53,23 +31,35 @@ JsonWriter begin_answer(const EnvArguments& arguments, const std::string& file) 
     return json;
 }
 
-void show_as_json(const EnvArguments& arguments, EnvHandle env) {
+void print_sections(const EnvArguments& arguments, EnvHandle env, const ValueNote& origin = {}) {
+    if (!arguments.json) return print_tree(arguments.file, TreeWalk::consume(env), origin);
     JsonWriter json = begin_answer(arguments, arguments.file);
     json.key("sections");
-    write_tree(json, TreeWalk::consume(env));
+    write_tree(json, TreeWalk::consume(env), "file", origin);
     json.end_object().print();
 }
 
+// What a program reads that has the file on top of its fallbacks.
+void show_layers(const EnvArguments& arguments) {
+    MessageCapture messages;
+    const Layers layers(files_of(arguments), messages);
+    const Environment all;
+    layers.gather(all.get(), messages);
+    if (!arguments.which) return print_sections(arguments, all.get());
+    print_sections(arguments, all.get(), [&layers](const TreeWalk& walk) {
+        return layers.file(static_cast<std::size_t>(layers.layer_of(walk.section(), walk.path())));
+    });
+}
+
 void show(const EnvArguments& arguments) {
+    if (!arguments.fallbacks.empty()) return show_layers(arguments);
     MessageCapture messages;
     const Environment env;
     const Unkept unkept = load(env.get(), arguments.file, messages);
-    if (arguments.json)
-        show_as_json(arguments, env.get());
-    else if (arguments.text)
+    if (arguments.text)
         print_text(env.get());
     else
-        print_tree(arguments.file, TreeWalk::consume(env.get()));
+        print_sections(arguments, env.get());
     if (unkept.text_behind) print_note("note: a byte 1A or FF ends " + arguments.file + " before its end");
 }
 
@@ -93,7 +83,7 @@ void get_block(const EnvArguments& arguments, const Layers& layers, std::size_t 
 void get(const EnvArguments& arguments) {
     const Delimiter delimiter(arguments.delimiter.c_str());
     MessageCapture messages;
-    const Layers layers(arguments, messages);
+    const Layers layers(files_of(arguments), messages);
     const char* const section = arguments.section.c_str();
     if (!arguments.path_or_null()) {
         // The store looks for elements in its fallbacks, not for sections.
@@ -211,15 +201,19 @@ void check(const EnvArguments& arguments) {
 } // namespace
 
 void add_env_readers(CLI::App& group) {
-    EnvCommand shower(
-        group,
-        {"show", "Print a file as a tree", {"bvutil env show site.env", "bvutil env show site.env --text"}},
-        show);
+    EnvCommand shower(group,
+                      {"show",
+                       "Print a file as a tree",
+                       {"bvutil env show site.env", "bvutil env show site.env --text",
+                        "bvutil env show user.env --fallback site.env --which"}},
+                      show);
     shower.file("The file")
+        .fallbacks("A file whose values are shown where what is before it has none; may be repeated")
+        .flag("--which", shower.arguments().which, "Tell the file of each value; with --fallback")
         .flag("--text", shower.arguments().text, "Print it as a program would write it")
-        .json()
-        ->get_option("--json")
-        ->excludes("--text");
+        .json();
+    shower->get_option("--text")->excludes("--json", "--fallback");
+    shower->get_option("--which")->needs("--fallback");
 
     EnvCommand getter(group,
                       {"get",
@@ -229,12 +223,8 @@ void add_env_readers(CLI::App& group) {
                         "bvutil env get site.env pens widths --as doubles"}},
                       get);
     getter.file("The file").section().path(false).deep().kind("Read the value as this kind").json();
-    getter
-        ->add_option("--fallback", getter.arguments().fallbacks,
-                     "A file to look in when what is before it does not have the value; may be repeated")
-        ->type_name("FILE")
-        ->allow_extra_args(false);
-    getter.flag("--which", getter.arguments().which, "Print the file that answered, too");
+    getter.fallbacks("A file to look in when what is before it does not have the value; may be repeated")
+        .flag("--which", getter.arguments().which, "Print the file that answered, too");
 
     EnvCommand lister(group,
                       {"list",

@@ -34,14 +34,23 @@ void print_rails(const std::string& rails, bool last) {
     print_utf8(last ? "\u2514\u2500\u2500 " : "\u251C\u2500\u2500 ");
 }
 
-void print_element(const TreeNode& node, bool section) {
+void print_element(const TreeNode& node, bool section, const std::string& note) {
     if (section) {
         const Emphasised heading(Emphasis::heading);
         print("[" + printable(node.name) + "]");
     } else {
         print(label(node));
     }
-    print(content(node) + "\n");
+    print(content(node));
+    if (!note.empty()) {
+        const Emphasised faint(Emphasis::faint);
+        print(" (" + note + ")");
+    }
+    print("\n");
+}
+
+std::string note_of(const TreeWalk& walk, const ValueNote& note) {
+    return note && walk.node().kind == ENV_IS_DATA ? note(walk) : "";
 }
 
 } // namespace
@@ -62,7 +71,7 @@ std::string printable(std::string_view text) {
     return shown;
 }
 
-void print_tree(const std::string& title, TreeWalk walk) {
+void print_tree(const std::string& title, TreeWalk walk, const ValueNote& note) {
     print(title + "\n");
     std::string rails; // in front of the children of the node last printed, one rail for each depth
     constexpr std::string_view rail = "\u2502   ", no_rail = "    ";
@@ -72,13 +81,13 @@ void print_tree(const std::string& title, TreeWalk walk) {
         ends.resize(node.depth + 1);
         rails.resize(ends.back());
         print_rails(rails, node.last);
-        print_element(node, node.depth == 0 && walk.over_sections());
+        print_element(node, node.depth == 0 && walk.over_sections(), note_of(walk, note));
         if (node.depth < deepest_indent) rails += node.last ? no_rail : rail;
         ends.push_back(rails.size());
     }
 }
 
-void write_tree(JsonWriter& json, TreeWalk walk) {
+void write_tree(JsonWriter& json, TreeWalk walk, const char* note_name, const ValueNote& note) {
     std::size_t open = 0; // blocks
     const auto close_down_to = [&](std::size_t depth) {
         for (; open > depth; --open)
@@ -94,7 +103,9 @@ void write_tree(JsonWriter& json, TreeWalk walk) {
             json.key("elements").begin_array();
             ++open;
         } else if (node.kind == ENV_IS_DATA) {
-            json.member("value", node.text ? node.text : "").end_object();
+            json.member("value", node.text ? node.text : "");
+            if (note) json.member(note_name, note(walk));
+            json.end_object();
         } else {
             json.member("external", true).end_object();
         }
