@@ -4,8 +4,8 @@
 set -euo pipefail
 
 wanted_build=(cmake ninja-build g++-mingw-w64-i686-posix libcli11-dev llvm-14)
-wanted_test=(wine wine32:i386 googletest g++ g++-multilib clang-format clang-14 lld-14)
-wanted_demo=(wine wine32:i386 librsvg2-bin)
+wanted_test=(wine wine32:i386 googletest g++ g++-multilib clang-format clang-14 lld-14 jq librsvg2-bin)
+wanted_demo=(wine wine32:i386 jq librsvg2-bin)
 wanted_docs=(doxygen)
 wanted_dist=(wine wine32:i386 zip unzip clang-14 pkgconf)
 wanted_coverage=(gcovr)
