@@ -5,6 +5,7 @@
 #include "env/iteration.h"
 #include "env/operations.h"
 #include "env/path.h"
+#include "env/short_text.h"
 
 #include <cstdarg>
 #include <cstring>
@@ -22,7 +23,7 @@ struct Buffer {
     bool take(std::string_view text) const {
         if (!bytes) return true;
         if (size <= 0 || text.size() >= static_cast<std::size_t>(size)) return false;
-        std::memcpy(bytes, text.data(), text.size());
+        copy_apart(bytes, text);
         bytes[text.size()] = '\0';
         return true;
     }
@@ -34,9 +35,9 @@ EnvStatus get_pos(const Address& address, bool exact, long pos, long* layer_out,
     const Found found = find_position(address, exact, pos);
     if (!found) return found.status;
     store(layer_out, found.layer->layer_tag);
-    bool fits = name.take(found.element->name());
+    bool fits = name.take(found.element->name_view());
     if (found.status == ENV_IS_DATA)
-        fits &= value.take(found.element->text);
+        fits &= value.take(view_of(found.element->text));
     else if (found.status == ENV_IS_EXTERNAL)
         store<long>(external_out, found.element->value);
     return fits ? found.status : static_cast<EnvStatus>(ENV_TOO_SMALL);

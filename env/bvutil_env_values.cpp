@@ -5,6 +5,7 @@
 #include "env/handle.h"
 #include "env/lookup.h"
 #include "env/put.h"
+#include "env/short_text.h"
 #include "env/value_scanner.h"
 #include "env/value_text.h"
 #include "module/own_arithmetic.h"
@@ -52,7 +53,7 @@ EnvStatus get_value(const Address& address, bool exact, T* value, ScanSink (*slo
     if (!read.text) return read.status;
     T scanned{};
     ScanSink sink = slots(&scanned, 1);
-    if (scan(read.text, sink).result != scan_matched) return ENV_SYNTAX;
+    if (scan(view_of(read.text), sink).result != scan_matched) return ENV_SYNTAX;
     *value = scanned;
     return read.status;
 }
@@ -70,7 +71,7 @@ EnvStatus get_list(const Address& address, bool exact, long* count, const void* 
         if (!items) return ENV_INVALID;
         const Text read = read_text(address, exact);
         if (!read.text) return read.status;
-        if (scan(read.text, sink).result != scan_matched) return ENV_SYNTAX;
+        if (scan(view_of(read.text), sink).result != scan_matched) return ENV_SYNTAX;
         if (sink.overflowed()) return ENV_TOO_SMALL;
         *count = static_cast<long>(sink.filled());
         return read.status;
@@ -130,9 +131,10 @@ EnvStatus BVUTIL_CALL env_get(EnvHandle env, const char* section, const char* pa
         if (!buf) return ENV_INVALID;
         const Text read = read_text({env, section, path}, exact != 0);
         if (!read.text) return read.status;
-        const std::size_t size = std::strlen(read.text) + 1;
-        if (buf_size < 0 || size > static_cast<std::size_t>(buf_size)) return ENV_TOO_SMALL;
-        std::memcpy(buf, read.text, size);
+        const std::string_view text = view_of(read.text);
+        if (buf_size < 0 || text.size() >= static_cast<std::size_t>(buf_size)) return ENV_TOO_SMALL;
+        copy_apart(buf, text);
+        buf[text.size()] = '\0';
         return read.status;
     });
 }

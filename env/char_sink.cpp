@@ -1,7 +1,8 @@
 #include "env/char_sink.h"
 
+#include "env/byte_scan.h"
+
 #include <algorithm>
-#include <cstring>
 #include <new>
 
 namespace env {
@@ -24,35 +25,40 @@ FileSink::FileSink(std::FILE* file) noexcept : m_file(file), m_buffer(m_reserve)
 }
 
 void FileSink::text(std::string_view text) {
-    for (;;) {
-        const auto end =
-            std::find_if(text.begin(), text.end(), [](char c) { return c == '\n' || c == '\xFF'; });
-        const auto length = static_cast<std::size_t>(end - text.begin());
-        put(text.substr(0, length));
-        if (length == text.size()) return;
-        if (*end == '\n') put("\r\n");
-        text.remove_prefix(length + 1);
+    while (!text.empty()) {
+        const char* const end = text.data() + std::min(text.size(), longest_piece);
+        const char* const stop = copy_up_to(text.data(), end, room(), AnyOf<'\n', '\xFF'>());
+        auto length = static_cast<std::size_t>(stop - text.data());
+        m_length += length;
+        if (stop < end) {
+            if (*stop == '\n') end_line();
+            ++length;
+        }
+        text.remove_prefix(length);
     }
 }
 
 void FileSink::spaces(std::size_t count) {
     while (count > 0) {
-        if (m_length == m_buffer.size()) flush();
-        const std::size_t length = std::min(count, m_buffer.size() - m_length);
-        std::memset(m_buffer.data() + m_length, ' ', length);
+        const std::size_t length = std::min(count, longest_piece);
+        char* const out = room();
+        for (std::size_t i = 0; i < length; i += 16)
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(out + i), _mm_set1_epi8(' '));
         m_length += length;
         count -= length;
     }
 }
 
-void FileSink::put(std::string_view bytes) {
-    while (!bytes.empty()) {
-        if (m_length == m_buffer.size()) flush();
-        const std::size_t length = std::min(bytes.size(), m_buffer.size() - m_length);
-        std::memcpy(m_buffer.data() + m_length, bytes.data(), length);
-        m_length += length;
-        bytes.remove_prefix(length);
-    }
+void FileSink::end_line() {
+    char* const out = room();
+    out[0] = '\r';
+    out[1] = '\n';
+    m_length += 2;
+}
+
+char* FileSink::room() {
+    if (m_buffer.size() - m_length < longest_piece + 16) flush();
+    return m_buffer.data() + m_length;
 }
 
 void FileSink::flush() {

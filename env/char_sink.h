@@ -44,11 +44,14 @@ class FileSink {
 
     void text(std::string_view text);
     void spaces(std::size_t count);
-    void fold_line() { put("\r\n"); }
-    void end_line() { put("\r\n"); }
+    void fold_line() { end_line(); }
+    void end_line();
 
   private:
-    void put(std::string_view bytes);
+    static constexpr std::size_t longest_piece = 256;
+
+    // Where a piece may be written, and sixteen bytes more.
+    char* room();
     void flush();
 
     std::FILE* m_file;

@@ -32,6 +32,10 @@ struct Element {
 
     const char* name() const { return reinterpret_cast<const char*>(this + 1); }
     char* name() { return reinterpret_cast<char*>(this + 1); }
+    // Measured at once where a text stands behind it.
+    std::string_view name_view() const {
+        return text_inside ? std::string_view(name(), static_cast<std::size_t>(text - name()) - 1) : name();
+    }
     bool is_named(std::string_view other, std::uint8_t other_hash) const;
 };
 

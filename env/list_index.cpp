@@ -74,7 +74,7 @@ std::uint32_t ListIndex::count(std::string_view name, std::uint32_t hash) const 
 }
 
 long ListIndex::occurrence_of(const Element* element) const {
-    const std::string_view name = element->name();
+    const std::string_view name = element->name_view();
     return static_cast<long>(slot_of(name, name_hash(name)).find(element)) + 1;
 }
 
@@ -90,7 +90,7 @@ Element* ListIndex::at(const ElementList& list, std::uint32_t position) {
 }
 
 void ListIndex::append(Element* element) {
-    const std::string_view name = element->name();
+    const std::string_view name = element->name_view();
     const std::uint32_t hash = name_hash(name);
     Slot& slot = slot_of(name, hash);
     if (slot.is_free())
@@ -102,7 +102,7 @@ void ListIndex::append(Element* element) {
 
 void ListIndex::insert(Element* element) {
     if (positions_follow(element->next)) m_positions.insert(m_positions.find(element->next), element);
-    const std::string_view name = element->name();
+    const std::string_view name = element->name_view();
     const std::uint32_t hash = name_hash(name);
     Slot& slot = slot_of(name, hash);
     if (slot.is_free())
@@ -113,7 +113,7 @@ void ListIndex::insert(Element* element) {
 
 void ListIndex::remove(const Element* element) {
     if (positions_follow(element)) m_positions.erase(m_positions.find(element));
-    const std::string_view name = element->name();
+    const std::string_view name = element->name_view();
     Slot& slot = slot_of(name, name_hash(name));
     if (slot.size() == 1)
         free_slot(slot);
@@ -135,7 +135,7 @@ bool ListIndex::positions_follow(const Element* element) {
 // Where a new element of the list belongs among its namesakes: next to the nearest one, looked for in both
 // directions at once.
 std::size_t ListIndex::rank_of(const Slot& slot, const Element* element) const {
-    const std::string_view name = element->name();
+    const std::string_view name = element->name_view();
     const Element* behind = element->next;
     const Element* in_front = element->previous;
     for (; behind && in_front; behind = behind->next, in_front = in_front->previous) {

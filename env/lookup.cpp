@@ -2,6 +2,7 @@
 
 #include "env/handle.h"
 #include "env/report.h"
+#include "env/short_text.h"
 
 #include <vector>
 
@@ -101,7 +102,7 @@ Found find_start(const Address& address) {
         report("bypass Nil section");
         return {ENV_INVALID, nullptr, env};
     }
-    return found(env, find_section(env, address.section));
+    return found(env, find_section(env, view_of(address.section)));
 }
 
 Found find(const Address& address, bool exact) {
@@ -150,9 +151,10 @@ long count_named(Tree& tree, const ElementList& list, std::string_view name) {
 
 long occurrence_of(Tree& tree, const Element* element) {
     if (const ListIndex* index = tree.index_of(*element->list)) return index->occurrence_of(element);
+    const std::string_view name = element->name_view();
     long occurrence = 1;
     for (const Element* earlier = element->previous; earlier; earlier = earlier->previous)
-        occurrence += earlier->is_named(element->name(), element->hash);
+        occurrence += earlier->is_named(name, element->hash);
     return occurrence;
 }
 

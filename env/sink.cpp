@@ -2,6 +2,7 @@
 #include "env/operations.h"
 #include "env/put.h"
 #include "env/report.h"
+#include "env/short_text.h"
 #include "env/value_text.h"
 #include "env/walk.h"
 
@@ -81,7 +82,7 @@ bool paths_keep_names(const Element* start) {
             if (at == start) return true;
             at = at->next;
         }
-        if (!delimiter().keeps(at->name())) return false;
+        if (!delimiter().keeps(at->name_view())) return false;
     }
 }
 
@@ -102,10 +103,10 @@ class JointWalk {
                 continue;
             }
             level.next = here->next;
-            const Component own{here->name(), occurrence_of(m_src_tree, here)};
+            const Component own{here->name_view(), occurrence_of(m_src_tree, here)};
             if (has_children(here))
                 m_levels.push_back({here->children->first, own, counterpart(level, own)});
-            else if (here->kind == Kind::data && !copy_text(own, here->text))
+            else if (here->kind == Kind::data && !copy_text(own, view_of(here->text)))
                 return false;
         }
         return true;

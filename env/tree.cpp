@@ -1,5 +1,7 @@
 #include "env/tree.h"
 
+#include "env/short_text.h"
+
 #include <cstring>
 #include <limits>
 #include <new>
@@ -18,23 +20,8 @@ void copy_text(char* to, std::string_view text) {
     to[text.size()] = '\0';
 }
 
-// The same where the two do not overlap. Most are short: calling for a copy would take longer than copying.
-void copy_apart(char* to, std::string_view text) {
-    const auto copy_ends = [&](auto word) {
-        std::memcpy(&word, text.data(), sizeof word);
-        std::memcpy(to, &word, sizeof word);
-        std::memcpy(&word, text.data() + text.size() - sizeof word, sizeof word);
-        std::memcpy(to + text.size() - sizeof word, &word, sizeof word);
-    };
-    if (text.size() > 16)
-        std::memcpy(to, text.data(), text.size());
-    else if (text.size() >= 8)
-        copy_ends(std::uint64_t{});
-    else if (text.size() >= 4)
-        copy_ends(std::uint32_t{});
-    else
-        for (std::size_t i = 0; i < text.size(); ++i)
-            to[i] = text[i];
+void copy_fresh(char* to, std::string_view text) {
+    copy_apart(to, text);
     to[text.size()] = '\0';
 }
 
@@ -83,7 +70,7 @@ Element* Tree::create(std::string_view name, Kind kind, std::size_t text_size) {
         units <= std::numeric_limits<std::uint16_t>::max() ? static_cast<std::uint16_t>(units) : 0;
     element->hash = static_cast<std::uint8_t>(name_hash(name));
     element->kind = kind;
-    copy_apart(element->name(), name);
+    copy_fresh(element->name(), name);
     return element;
 }
 
@@ -101,7 +88,7 @@ Element* Tree::create_data(std::string_view name, std::string_view text) {
     Element* element = create(name, Kind::data, text_bytes(text));
     element->text_inside = true;
     element->text = element->name() + name.size() + 1;
-    copy_apart(element->text, text);
+    copy_fresh(element->text, text);
     return element;
 }
 

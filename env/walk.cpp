@@ -42,7 +42,7 @@ void BlockWalk::open(const Element* element) {
         const std::string_view joint = delimiter().joint();
         m_path.clear();
         if (m_address.path) m_path.append(m_address.path).append(joint);
-        m_path.append(element->name())
+        m_path.append(element->name_view())
             .append(joint)
             .append(NumberText(occurrence_of(m_tree, element)).view());
     }

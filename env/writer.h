@@ -1,6 +1,7 @@
 // Writes a tree as text, in the grammar of reader.h. Externals are left out.
 #pragma once
 
+#include "env/short_text.h"
 #include "env/tree.h"
 
 #include <algorithm>
@@ -64,7 +65,8 @@ class Writer {
     }
 
     bool write_head(Element* element) {
-        if (element->kind == Kind::data) return line(element, {element->name(), " =", element->text});
+        if (element->kind == Kind::data)
+            return line(element, {element->name_view(), " =", view_of(element->text)});
         return element->kind != Kind::block || line(element, {element->name(), " ={"});
     }
 
