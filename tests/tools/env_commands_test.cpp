@@ -49,7 +49,7 @@ TEST_F(EnvCommands, ReadsAndReports) {
     write("a.env", tree);
     write("site.env", "[view]\n  unit = mm\n  scale = 7\n[print]\n  paper = A4\n  a@b = odd\n");
     write("low.env", "[view]\n scale ={\n k = 1\n }\n unit = mm\n layers ={\n name =x\n name =y\n name =z\n"
-                     " }\n[view]\n late = 1\n");
+                     " }\n gap ={\n }\n gap = 6\n[view]\n gap = 0\n gap = 7\n late = 1\n");
     write("brace.env", "[S]\r\n a = b\\\r\n }\r\n }");
     write("empty.env", "");
     write("cut.env", "[S]\n a = 1\n\xFF b = 2\n");
@@ -83,7 +83,8 @@ TEST_F(EnvCommands, ReadsAndReports) {
          0,
          "a.env\n├── [view]\n│   ├── scale = 100 (a.env)\n│   ├── layers\n"
          "│   │   ├── name@1 = walls (a.env)\n│   │   ├── name@2 = roofs (a.env)\n"
-         "│   │   └── name@3 = z (low.env)\n│   ├── pens = 0.5, 1 (a.env)\n│   └── unit = mm (low.env)\n"
+         "│   │   ├── none (empty block)\n│   │   └── name@3 = z (low.env)\n│   ├── pens = 0.5, 1 (a.env)\n"
+         "│   ├── unit = mm (low.env)\n│   ├── gap@1 (empty block)\n│   └── gap@2 = 6 (low.env)\n"
          "└── [print]\n    ├── paper = A4 (site.env)\n    └── a@b = odd (site.env)\n"},
         {{"show", "empty.env", "--fallback", "site.env", "--which", "--json"},
          0,

@@ -21,11 +21,12 @@ class Layers {
     const std::string& file(std::size_t layer) const { return m_files[layer]; }
     std::size_t count() const { return m_files.size(); }
 
-    // Puts every value that can be read through the layers into an empty environment, those of the top first.
-    // A block behind a value of its name is left out: one tree cannot have both.
+    // Puts all that can be read through the layers into an empty environment, what the top has first. A block
+    // behind a value of its name is left out: one tree cannot have both.
     void gather(EnvHandle into, MessageCapture& messages) const;
-    // The layer that answers for a value, or -1. The path's names are separated by the delimiter in use.
-    long layer_of(const std::string& section, const std::string& path) const;
+    // The layer that answers for an element, when it is of the kind; else -1. The path's names are separated
+    // by the delimiter in use.
+    long layer_of(const std::string& section, const std::string& path, int kind = ENV_IS_DATA) const;
 
   private:
     std::vector<std::string> m_files;

@@ -47,7 +47,8 @@ void show_layers(const EnvArguments& arguments) {
     layers.gather(all.get(), messages);
     if (!arguments.which) return print_sections(arguments, all.get());
     print_sections(arguments, all.get(), [&layers](const TreeWalk& walk) {
-        return layers.file(static_cast<std::size_t>(layers.layer_of(walk.section(), walk.path())));
+        const long layer = layers.layer_of(walk.section(), walk.path());
+        return layer < 0 ? std::string() : layers.file(static_cast<std::size_t>(layer));
     });
 }
 
