@@ -1,12 +1,11 @@
 # Writes the demo's page: one HTML file, well-formed as XML too, with its pictures beside it. Sourced by
 # samples/demo.sh. The page is made of sections, and above them stands a table of what each took.
 
-# Text for HTML. Paths of this machine become "...".
+# Text for HTML. What tells of this machine, the demo's folder and the user's name, becomes "...".
 html() {
     local here=:${out//\//\\}
     local text=${1//[Zz]"$here"/...}
-    text=${text//"\\users\\${USER:-$(id -un)}\\"/"\\users\\...\\"}
-    sed 's/&/\&amp;/g; s/</\&lt;/g; s/>/\&gt;/g; s/"/\&quot;/g' <<<"$text"
+    sed 's/\\users\\[^\\]*/\\users\\.../; s/&/\&amp;/g; s/</\&lt;/g; s/>/\&gt;/g; s/"/\&quot;/g' <<<"$text"
 }
 # Microseconds as seconds.
 seconds() { printf '%d.%03d s' "$(($1 / 1000000))" "$(($1 / 1000 % 1000))"; }
