@@ -1,12 +1,12 @@
 #include "calcgeom/bstr_text.h"
 
-#include <new>
+#include "module/memory_reserve.h"
 
 unique_bstr to_bstr(const char* text) {
     const int units = MultiByteToWideChar(CP_ACP, 0, text, -1, nullptr, 0);
-    if (units <= 0) throw std::bad_alloc();
+    if (units <= 0) memory_reserve::run_out();
     unique_bstr wide(SysAllocStringLen(nullptr, static_cast<UINT>(units) - 1));
-    if (!wide) throw std::bad_alloc();
+    if (!wide) memory_reserve::run_out();
     MultiByteToWideChar(CP_ACP, 0, text, -1, wide.get(), units);
     return wide;
 }

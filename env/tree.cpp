@@ -1,6 +1,7 @@
 #include "env/tree.h"
 
 #include "env/short_text.h"
+#include "module/memory_reserve.h"
 
 #include <cstring>
 #include <limits>
@@ -105,6 +106,7 @@ void Tree::append(ElementList& list, Element* element) {
             list.index->append(element);
         } catch (const std::bad_alloc&) {
             drop_index(list); // it can be made again
+            memory_reserve::keep();
         }
     }
 }
@@ -123,6 +125,7 @@ void Tree::insert_before(Element* sibling, Element* element) {
             list.index->insert(element);
         } catch (const std::bad_alloc&) {
             drop_index(list);
+            memory_reserve::keep();
         }
     }
 }
@@ -255,6 +258,7 @@ ListIndex* Tree::make_index(const ElementList& list) {
         if (m_indexes) m_indexes->previous_index = index;
         m_indexes = index;
     } catch (const std::bad_alloc&) {
+        memory_reserve::keep();
         return nullptr; // the list is walked instead
     }
     return list.index;

@@ -2,8 +2,8 @@
 
 #include "bvutil/strings.h"
 #include "files/number_text.h"
-#include "files/profile_value.h"
 #include "module/guarded.h"
+#include "module/profile_value.h"
 
 #include <charconv>
 #include <cstring>

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "bvutil/mat_file.h"
-#include "files/profile_value.h"
+#include "module/profile_value.h"
 
 // Values of material files.
 using MaterialValue = ProfileValue<256>;

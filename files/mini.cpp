@@ -8,6 +8,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 
 namespace {
 
@@ -56,7 +57,10 @@ extern "C" MiniHandle BVUTIL_CALL mini_open_ex(const char* path, int flags) {
     if (!path || !*path) return nullptr;
     const bool read_only = (flags & MINI_READONLY) != 0;
     if (!(read_only ? file_access::readable(path) : file_access::writable(path))) return nullptr;
-    return guarded(MiniHandle{}, [&] { return new CBvIniFile(path, read_only ? 0 : 1); });
+    return guarded(MiniHandle{}, [&] {
+        auto file = std::make_unique<CBvIniFile>(path, read_only ? 0 : 1);
+        return ProfileSection::has_path(*file) ? file.release() : nullptr;
+    });
 }
 
 extern "C" int BVUTIL_CALL mini_close(MiniHandle* h) {

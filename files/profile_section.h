@@ -10,6 +10,9 @@
 
 class ProfileSection {
   public:
+    // Whether the object has the path that it was made with: not when memory ran out.
+    static bool has_path(const CBvIniFile& file) { return !file.m_file.empty(); }
+
     ProfileSection(CBvIniFile& file, const char* section) : m_file(file), m_section(section) {}
 
     std::optional<std::string> read_string(const char* key) const;

@@ -1,5 +1,6 @@
 #include "module/bvutil_dll.h"
 
+#include "module/memory_reserve.h"
 #include "module/module_instance.h"
 
 #include <objbase.h>
@@ -19,6 +20,7 @@ HINSTANCE module_instance() {
 }
 
 void CBvUtilDll::init_instance() {
+    memory_reserve::keep();
     m_com_initialised = SUCCEEDED(CoInitialize(nullptr));
     write_to_logfile = false;
     log_stream.reset();
@@ -31,6 +33,7 @@ void CBvUtilDll::exit_instance() {
     if (m_com_initialised) CoUninitialize();
     m_com_initialised = false;
     log_stream.reset();
+    memory_reserve::release();
 }
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID) {

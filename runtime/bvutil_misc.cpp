@@ -4,6 +4,7 @@
 #include "bvutil/messages.h"
 #include "module/guarded.h"
 #include "module/module_instance.h"
+#include "module/profile_value.h"
 #include "module/resource.h"
 #include "runtime/formatted.h"
 #include "runtime/main_configuration.h"
@@ -106,14 +107,14 @@ extern "C" int BVUTIL_CALL BvUtil_MB_SuchePfad(const char* section, const char* 
                            line_no_main_ini);
             return -1;
         }
-        const std::string value = CBvIniFile::FileReadString(configuration, section, key);
+        const ProfileValue<1024> value(configuration, section, key, BVUTIL_INI_MISSING);
         if (value.empty()) {
             const std::string text =
                 formatted(load_string(IDS_NO_INI_ENTRY).c_str(), section, key, configuration);
             BvUtil_Message(text.c_str(), nullptr, nullptr, source_name, line_no_ini_entry);
             return -1;
         }
-        return store_path(out, make_path({}, {}, value)) ? 0 : -1;
+        return store_path(out, make_path({}, {}, value.text())) ? 0 : -1;
     });
 }
 
@@ -121,20 +122,18 @@ extern "C" int BVUTIL_CALL BvUtil_MB_IniReadString(const char* iniFile, const ch
                                                    char* out, int* size) {
     constexpr int value_is_empty = 6;
     if (!iniFile || !section || !key || !out || !size) return value_is_empty;
-    return guarded(value_is_empty, [&] {
-        const std::string value = CBvIniFile::FileReadString(iniFile, section, key);
-        if (value.empty()) return value_is_empty;
-        const auto length = static_cast<int>(value.size());
-        if (std::int64_t{*size} - 1 > length) {
-            std::memset(out, 0, static_cast<std::size_t>(*size) - 1);
-            std::memcpy(out, value.data(), value.size());
-        } else {
-            // Kept: the value is copied whole, and the caller learns its length.
-            std::memcpy(out, value.c_str(), value.size() + 1);
-            *size = length;
-        }
-        return 0;
-    });
+    const ProfileValue<1024> value(iniFile, section, key, BVUTIL_INI_MISSING);
+    if (value.empty()) return value_is_empty;
+    const std::size_t length = std::strlen(value.text());
+    if (std::int64_t{*size} - 1 > static_cast<std::int64_t>(length)) {
+        std::memset(out, 0, static_cast<std::size_t>(*size) - 1);
+        std::memcpy(out, value.text(), length);
+    } else {
+        // Kept: the value is copied whole, and the caller learns its length.
+        std::memcpy(out, value.text(), length + 1);
+        *size = static_cast<int>(length);
+    }
+    return 0;
 }
 
 extern "C" int BVUTIL_CALL BvUtil_ExecuteProgram(const char* program, const char* argument) {

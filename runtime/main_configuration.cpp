@@ -1,6 +1,7 @@
 #include "runtime/main_configuration.h"
 
 #include "bvutil/ini_file.h"
+#include "module/profile_value.h"
 #include "runtime/path_parts.h"
 
 #include <algorithm>
@@ -73,7 +74,7 @@ std::optional<std::string> search_file(const char* section, const char* key, con
 
     const std::string configuration = find_main_configuration();
     if (!section || !*section || !key || !*key) return path_in({}, configuration);
-    const std::string directories = CBvIniFile::FileReadString(configuration, section, key);
+    const ProfileValue<1024> directories(configuration.c_str(), section, key, BVUTIL_INI_MISSING);
     if (directories.empty()) return std::nullopt;
-    return search_in_list(directories, file);
+    return search_in_list(directories.text(), file);
 }

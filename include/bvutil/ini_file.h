@@ -90,6 +90,8 @@ class BVUTIL_API CBvIniFile {
     /** @} */
 
   private:
+    friend class ProfileSection; // the library's own
+
     std::string m_file;
     unsigned int m_flags = 0;
 };

@@ -1,0 +1,30 @@
+#include "module/memory_reserve.h"
+
+#include <cstdlib>
+#include <new>
+
+namespace memory_reserve {
+
+namespace {
+// The first exception of a thread takes some 2 KB, in a dozen blocks.
+constexpr std::size_t size = 16 * 1024;
+} // namespace
+
+std::atomic<void*> block = nullptr;
+
+void refill() noexcept {
+    std::set_new_handler(run_out);
+    std::free(block.exchange(std::malloc(size)));
+}
+
+void release() noexcept {
+    std::free(block.exchange(nullptr));
+}
+
+void run_out() {
+    keep(); // whoever spent it last may have freed enough since
+    release();
+    throw std::bad_alloc();
+}
+
+} // namespace memory_reserve
