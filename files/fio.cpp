@@ -5,6 +5,7 @@
 #include "module/guarded.h"
 #include "module/handles.h"
 
+#include <climits>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -126,5 +127,8 @@ extern "C" int BVUTIL_CALL fio_seek(FioFile* h, long offset, int origin) {
 }
 
 extern "C" long BVUTIL_CALL fio_tell(FioFile* h) {
-    return h ? std::ftell(h->stream) : failure;
+    // The runtime's own answer beyond 2 GB is the position's lower half.
+    std::fpos_t position;
+    if (!h || std::fgetpos(h->stream, &position) != 0 || position > LONG_MAX) return failure;
+    return static_cast<long>(position);
 }

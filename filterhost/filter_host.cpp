@@ -25,6 +25,13 @@ int open(const char* file_name, PSFilter_*& filter, char*& category, char*& name
     return category || name ? error : open_failed;
 }
 
+// A copy for a caller that wants one; false when there is no memory for it.
+bool hand_out(char** out, const char* text) {
+    if (!out) return true;
+    *out = text ? _strdup(text) : nullptr;
+    return *out || !text;
+}
+
 void release(char** text) {
     if (!text) return;
     std::free(*text);
@@ -45,13 +52,15 @@ extern "C" BvUtilBool BVUTIL_CALL AVGetPSFilterAndInfo(const char* fileName, cha
     char* own_category = nullptr;
     char* own_name = nullptr;
     *filter = nullptr;
-    const int code = calculated(open_failed, [&] { return open(fileName, *filter, own_category, own_name); });
+    int code = calculated(open_failed, [&] { return open(fileName, *filter, own_category, own_name); });
+    const bool category_copied = hand_out(category, own_category), name_copied = hand_out(name, own_name);
+    if (!category_copied || !name_copied) {
+        AVFreeGotPSFilterInfo(category, name);
+        code = open_failed;
+    }
     if (error) *error = code;
-    const bool success = code >= 0;
-    if (category) *category = success ? _strdup(own_category) : nullptr;
-    if (name) *name = success ? _strdup(own_name) : nullptr;
-    if (!success) close(*filter);
-    return success;
+    if (code < 0) close(*filter);
+    return code >= 0;
 }
 
 extern "C" BvUtilBool BVUTIL_CALL AVFreeGotPSFilterInfo(char** category, char** name) {

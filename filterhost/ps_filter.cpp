@@ -61,8 +61,11 @@ bool has_text(const std::unique_ptr<char[]>& text) {
 }
 
 BOOL CALLBACK visit_property_list(HMODULE module, LPCSTR, LPSTR name, LONG_PTR filter) noexcept {
-    guarded([&] { reinterpret_cast<PSFilter_*>(filter)->consider_property_list(module, name); });
-    return TRUE;
+    // Without memory for a list the search ends: no later one takes its place.
+    return guarded(BOOL{FALSE}, [&] {
+        reinterpret_cast<PSFilter_*>(filter)->consider_property_list(module, name);
+        return BOOL{TRUE};
+    });
 }
 
 } // namespace

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <vector>
 
 namespace {
 
@@ -132,22 +131,27 @@ CBitmapEx::DrawingHeader CBitmapEx::drawing_header() const noexcept {
     return header;
 }
 
-void CBitmapEx::save(std::FILE* stream) {
+std::vector<std::uint8_t> CBitmapEx::buffer_for_saving() const {
+    if (!m_pixels) return {};
+    const auto pitch = static_cast<std::size_t>(pitch_of(m_info.width, 3));
+    const std::size_t rows = std::min(rows_per_chunk(pitch), static_cast<std::size_t>(m_info.height));
+    return std::vector<std::uint8_t>(rows * pitch);
+}
+
+void CBitmapEx::save(std::FILE* stream, std::vector<std::uint8_t> buffer) {
     const auto height = m_pixels ? static_cast<std::size_t>(m_info.height) : 0;
     const auto width = m_pixels ? static_cast<std::size_t>(m_info.width) : 0;
     const auto pitch = static_cast<std::size_t>(pitch_of(static_cast<std::int32_t>(width), 3));
-    const std::size_t rows_at_once = height ? std::min(rows_per_chunk(pitch), height) : 0;
-    std::vector<std::uint8_t> chunk(stream ? rows_at_once * pitch : 0); // its padding stays 0
 
     set_format(24);
     if (stream) {
         std::fwrite(&m_file, sizeof m_file, 1, stream);
         std::fwrite(&m_info, sizeof m_info, 1, stream);
         for (std::size_t y = 0; y < height;) {
-            const std::size_t rows = std::min(rows_at_once, height - y);
-            for (std::size_t i = 0; i < rows; ++i, ++y)
-                narrow_32(chunk.data() + i * pitch, m_pixels.get() + y * width * 4, width);
-            std::fwrite(chunk.data(), pitch, rows, stream);
+            const std::size_t rows = std::min(buffer.size() / pitch, height - y);
+            for (std::size_t i = 0; i < rows; ++i, ++y) // the padding stays 0
+                narrow_32(buffer.data() + i * pitch, m_pixels.get() + y * width * 4, width);
+            std::fwrite(buffer.data(), pitch, rows, stream);
         }
     }
     set_fourth(m_pixels.get(), m_pixels.get(), width * height, 0);

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <memory>
+#include <vector>
 
 #pragma pack(push, 1)
 struct BmpFileHeader {
@@ -56,10 +57,12 @@ class CBitmapEx {
     // The same with the headers given.
     void load(const BmpFileHeader& file, const BmpInfoHeader& info, ByteSource& source);
 
+    // What save() needs to write to a stream: had before a file is opened, and emptied.
+    std::vector<std::uint8_t> buffer_for_saving() const;
     // Writes the image with 24 bits per pixel, to no stream when that is null. Afterwards the held pixels
     // have lost their fourth bytes: they have been through 24 bits. Without pixels, only the headers are
     // written.
-    void save(std::FILE* stream);
+    void save(std::FILE* stream, std::vector<std::uint8_t> buffer = {});
 
     // Turns the order of the rows round.
     void flip() noexcept;

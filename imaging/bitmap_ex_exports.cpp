@@ -106,7 +106,8 @@ extern "C" int BVUTIL_CALL bmpExSave(CBitmapEx* bitmap, HBITMAP* handle) {
 extern "C" int BVUTIL_CALL bmpExSaveToFile(CBitmapEx* bitmap, const char* path) {
     return with(bitmap, [&](CBitmapEx& held) {
         if (!path) return;
+        std::vector<std::uint8_t> buffer = held.buffer_for_saving();
         const unique_stream file(std::fopen(path, "wb"));
-        held.save(file.get());
+        held.save(file.get(), std::move(buffer));
     });
 }

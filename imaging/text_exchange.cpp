@@ -34,8 +34,8 @@ using Chunk = std::array<std::uint8_t, chunk_size>;
 
 std::optional<std::size_t> size_of(std::FILE* file) {
     if (std::fseek(file, 0, SEEK_END) != 0) return std::nullopt;
-    const long end = std::ftell(file);
-    if (end < 0) return std::nullopt;
+    std::fpos_t end; // a long would hold the lower half alone
+    if (std::fgetpos(file, &end) != 0 || end > std::numeric_limits<long>::max()) return std::nullopt;
     return static_cast<std::size_t>(end);
 }
 

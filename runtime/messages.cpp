@@ -74,6 +74,7 @@ extern "C" void BVUTIL_CALL BvUtil_SetWriteToLogfile(int enable, const char* log
         app.log_stream.reset(std::fopen(logPath, append ? "ac" : "wc"));
         if (!app.log_stream) open_alternative_log(app, logPath);
     });
+    if (logPath && !application().log_stream) application().write_to_logfile = false; // memory ran out
 }
 
 extern "C" int BVUTIL_CALL BvUtil_GetWriteToLogfile(void) {
