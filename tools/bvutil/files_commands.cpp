@@ -5,6 +5,7 @@
 #include "tools/bvutil/json_writer.h"
 #include "tools/bvutil/material_preview.h"
 #include "tools/bvutil/value.h"
+#include "tools/bvutil/whole_file.h"
 
 #include "bvutil/fio.h"
 #include "bvutil/ini_file.h"
@@ -18,6 +19,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <vector>
 #include <windows.h>
 
@@ -104,12 +106,6 @@ void get_value(const Arguments& arguments) {
     json.end_object().print();
 }
 
-void set_value(const Arguments& arguments) {
-    const std::string path = full_path(arguments.file);
-    if (!CBvIniFile::FileWriteString(path, arguments.section, arguments.key, arguments.value))
-        cannot("written", path);
-}
-
 // The names that the platform lists: of a file's sections, or of a section's keys.
 std::vector<std::string> names_in(const std::string& path, const char* section) {
     std::string buffer(4096, '\0');
@@ -125,6 +121,35 @@ std::vector<std::string> names_in(const std::string& path, const char* section) 
     for (const char* name = buffer.c_str(); *name; name += names.back().size() + 1)
         names.emplace_back(name);
     return names;
+}
+
+// All values but one, each with its section and key.
+std::vector<std::string> values_beside(const std::string& path, const Arguments& one) {
+    std::vector<std::string> values;
+    for (const std::string& section : names_in(path, nullptr))
+        for (const std::string& key : names_in(path, section.c_str()))
+            if (_stricmp(section.c_str(), one.section.c_str()) != 0 ||
+                _stricmp(key.c_str(), one.key.c_str()) != 0)
+                values.push_back(section + "\n" + key + "\n" +
+                                 CBvIniFile::FileReadString(path, section, key));
+    return values;
+}
+
+// The platform writes a profile where it lies and does not tell a full disk: what is written is a copy, which
+// takes the file's place when it has all of its values.
+void set_value(const Arguments& arguments) {
+    const std::string path = full_path(arguments.file);
+    ReplacementFile file(path);
+    if (file_exists(path)) file.put(read_whole_file(path));
+    file.close();
+    const auto& [section, key, value] = std::tie(arguments.section, arguments.key, arguments.value);
+    const bool written = CBvIniFile::FileWriteString(file.path(), section, key, value);
+    WritePrivateProfileStringA(nullptr, nullptr, nullptr, file.path().c_str()); // what is read is on the disk
+    if (!written || values_beside(file.path(), arguments) != values_beside(path, arguments) ||
+        CBvIniFile::FileReadString(file.path(), section, key) == BVUTIL_INI_MISSING)
+        cannot("written", path);
+    file.replace();
+    WritePrivateProfileStringA(nullptr, nullptr, nullptr, path.c_str());
 }
 
 void print_sections(const std::string& path, CBvIniFile& profile, const std::vector<std::string>& sections) {
