@@ -1,7 +1,10 @@
 #include "env/char_source.h"
 
+#include "module/memory_reserve.h"
+
 #include <algorithm>
 #include <cstring>
+#include <new>
 
 namespace env {
 
@@ -9,6 +12,7 @@ namespace {
 
 constexpr char control_z = '\x1A';
 constexpr char end_byte = '\xFF';
+constexpr std::size_t smallest_piece = 256;
 
 // The characters that cleaning must look at; all others are copied.
 using Special = AnyOf<'\0', '\r', '\\', ';', control_z, end_byte>;
@@ -103,7 +107,15 @@ void FileSource::Buffer::grow(std::size_t to_size, std::size_t kept) {
 
 FileSource::FileSource(std::FILE* file, std::size_t piece) : m_file(file) {
     std::setvbuf(file, nullptr, _IONBF, 0); // the pieces are large enough
-    m_raw.grow(piece, 0);
+    while (!m_raw.bytes) {                  // what memory there is will do
+        try {
+            m_raw.grow(piece, 0);
+        } catch (const std::bad_alloc&) {
+            if (piece <= smallest_piece) throw;
+            memory_reserve::keep();
+            piece = piece / 2 + 1;
+        }
+    }
 }
 
 bool FileSource::refill() {

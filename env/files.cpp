@@ -55,6 +55,7 @@ EnvStatus read_from_file(const char* file_name, EnvHandle env) {
         return ENV_INVALID;
     }
     if (refuse_sub(env, "can not read subenv") || env->being_read) return ENV_INVALID;
+    const BeingRead reading(env);
     FileSource source(file.get());
     env->tree().clear();
     return Reader(source, env->tree()).read();

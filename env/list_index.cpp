@@ -47,11 +47,15 @@ void ListIndex::Slot::dispose() {
     if (is_list()) delete m_all;
 }
 
-ListIndex::ListIndex(const ElementList& list) {
+std::size_t ListIndex::table_for(std::uint32_t count) {
     std::size_t slots = smallest_table;
-    while (is_full(slots, list.count))
+    while (is_full(slots, count))
         slots *= 2;
-    m_slots.resize(slots);
+    return slots;
+}
+
+// Constructed in two steps, so that the destructor runs when memory ends while the names are gathered.
+ListIndex::ListIndex(const ElementList& list) : ListIndex(table_for(list.count)) {
     for (Element* element = list.first; element; element = element->next)
         append(element);
 }

@@ -73,6 +73,8 @@ class ListIndex {
         };
     };
 
+    explicit ListIndex(std::size_t slots) : m_slots(slots) {}
+    static std::size_t table_for(std::uint32_t count);
     // The slot of a name; a free one, where the name belongs, when it has none.
     Slot& slot_of(std::string_view name, std::uint32_t hash) const;
     void start(std::uint32_t hash, Element* element, Slot& slot);

@@ -126,8 +126,12 @@ EnvStatus put(const Address& address, const char* text, long external) {
     }
     if (address.env->is_sub()) return ENV_INVALID; // its element was deleted
     Draft section(tree, tree.create_block(address.section));
-    const EnvStatus status = put_below(tree, section.get(), address.path, value);
-    tree.append(tree.top(), section.keep());
+    Element* const created = section.get();
+    const bool alone = !address.path || PathReader(address.path).at_end();
+    // While a bad path is reported, other calls may come in: the section is in its place by then.
+    if (alone) tree.append(tree.top(), section.keep());
+    const EnvStatus status = put_below(tree, created, address.path, value);
+    if (!alone) tree.append(tree.top(), section.keep());
     return status;
 }
 

@@ -1,6 +1,7 @@
 #include "filterhost/handle_procs.h"
 
 #include "filterhost/host_state.h"
+#include "module/memory_reserve.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -71,6 +72,7 @@ Handle PS_CALL new_handle(std::int32_t size) noexcept {
     try {
         host_state().handles.insert(handle.get());
     } catch (const std::bad_alloc&) {
+        memory_reserve::keep();
         std::free(handle->data);
         return nullptr;
     }

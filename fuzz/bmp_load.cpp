@@ -25,7 +25,7 @@ bool is_large(std::span<const std::uint8_t> image, std::size_t header_at) {
 void check_file(CBitmapEx& bitmap) {
     std::vector<std::uint8_t> file(54 + std::size_t{bitmap.pixel_data_size()} + 1); // fmemopen() may end it
     std::FILE* const stream = fmemopen(file.data(), file.size(), "wb");
-    bitmap.save(stream);
+    bitmap.save(stream, bitmap.buffer_for_saving());
     file.resize(static_cast<std::size_t>(std::ftell(stream)));
     std::fclose(stream);
     CBitmapEx again;
@@ -50,7 +50,7 @@ void check(CBitmapEx& bitmap) {
     bitmap.flip();
     bitmap.flip();
     require(bitmap.pixels()[0] == first && bitmap.pixels()[size - 1] == last);
-    bitmap.save(nullptr);
+    bitmap.save(nullptr, {});
     require(bitmap.pixels()[size - 1] == 0 && bitmap.pixels()[0] == first);
     check_file(bitmap);
 }

@@ -59,10 +59,10 @@ class CBitmapEx {
 
     // What save() needs to write to a stream: had before a file is opened, and emptied.
     std::vector<std::uint8_t> buffer_for_saving() const;
-    // Writes the image with 24 bits per pixel, to no stream when that is null. Afterwards the held pixels
-    // have lost their fourth bytes: they have been through 24 bits. Without pixels, only the headers are
-    // written.
-    void save(std::FILE* stream, std::vector<std::uint8_t> buffer = {});
+    // Writes the image with 24 bits per pixel, by way of that buffer; to no stream when it is null.
+    // Afterwards the held pixels have lost their fourth bytes: they have been through 24 bits. Without
+    // pixels, only the headers are written.
+    void save(std::FILE* stream, std::vector<std::uint8_t> buffer);
 
     // Turns the order of the rows round.
     void flip() noexcept;

@@ -134,6 +134,13 @@ TEST(EnvMemory, ReadsFailOrAnswerRight) {
         });
         fault.succeeds(71, ENV_INVALID, [&] { return env_count_path(base, "T", "list@same", 1) + 1; });
         expect_consistent(base);
+
+        const Env fresh; // its list has namesakes, and no index yet
+        std::string text_of_40 = "[S]\n";
+        for (int i = 0; i < 20; ++i)
+            text_of_40 += "a=1\nb=2\n";
+        read_text(fresh, text_of_40);
+        fault.succeeds(ENV_IS_DATA, ENV_INVALID, [&] { return env_check(fresh, "S", "b@20", 1); });
     });
 }
 

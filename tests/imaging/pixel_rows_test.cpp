@@ -145,7 +145,7 @@ TEST(HostileBmpFiles, LeaveTheInvariantOrNoPixels) {
                       static_cast<std::uint32_t>(bitmap.info().width * bitmap.info().height * 4));
             EXPECT_EQ(std::uint32_t{bitmap.file_header().file_size}, bitmap.pixel_data_size() + 54);
             bitmap.flip();
-            bitmap.save(nullptr);
+            bitmap.save(nullptr, {});
         }
     }
 }

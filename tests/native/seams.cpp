@@ -8,6 +8,7 @@
 
 namespace {
 std::vector<std::string> messages;
+std::function<void()> next_action;
 bool double_byte = false;
 } // namespace
 
@@ -15,6 +16,10 @@ namespace seams {
 
 std::vector<std::string> take_messages() {
     return std::exchange(messages, {});
+}
+
+void on_next_message(std::function<void()> action) {
+    next_action = std::move(action);
 }
 
 double_byte_code_page::double_byte_code_page() {
@@ -45,6 +50,7 @@ unsigned lower_case(unsigned character) {
 } // namespace multibyte
 
 extern "C" void BvUtil_Message(const char* text1, const char* text2, const char* text3, const char*, int) {
+    if (const auto action = std::exchange(next_action, nullptr)) action();
     guarded([&] {
         std::string text;
         for (const char* part : {text1, text2, text3})

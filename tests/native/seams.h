@@ -2,6 +2,7 @@
 // the multibyte code page is a range of lead bytes.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -9,6 +10,9 @@ namespace seams {
 
 // The texts given to BvUtil_Message since the last call, in order.
 std::vector<std::string> take_messages();
+
+// What the next message does before it is recorded, as a message box lets other calls in; once.
+void on_next_message(std::function<void()> action);
 
 // Makes lead bytes as in code page 932 while it lives.
 class double_byte_code_page {

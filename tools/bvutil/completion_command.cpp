@@ -118,6 +118,6 @@ void add_completion_command(CLI::App& app) {
                      "Print a script that completes commands and options in a shell",
                      {"bvutil completion bash"},
                      "For the shell that is running:  source <(bvutil completion bash)"},
-                    [&app] { print(bash_script(app)); });
+                    [&app, shell] { print(bash_script(app)); });
     command->add_option("SHELL", *shell, "The shell")->required()->check(CLI::IsMember({"bash"}));
 }
