@@ -13,7 +13,9 @@
 
 namespace {
 
-std::multimap<const void*, std::size_t> held; // with the size of what came from the heap
+// With the size of what came from the heap. Never destroyed: the DLL frees what it holds after this program's
+// own objects are gone.
+std::multimap<const void*, std::size_t>& held = *new std::multimap<const void*, std::size_t>;
 std::size_t held_bytes = 0;
 std::size_t countdown = 0; // to the call that fails; 0: none does
 std::size_t room = 0;      // bytes that the heap may hold once it is full
