@@ -1,6 +1,9 @@
 #include "env/list_index.h"
 
+#include "module/memory_reserve.h"
+
 #include <memory>
+#include <new>
 
 namespace env {
 
@@ -82,12 +85,20 @@ long ListIndex::occurrence_of(const Element* element) const {
     return static_cast<long>(slot_of(name, name_hash(name)).find(element)) + 1;
 }
 
-Element* ListIndex::at(const ElementList& list, std::uint32_t position) {
-    if (m_positions.empty()) {
+bool ListIndex::has_positions(const ElementList& list) {
+    if (!m_positions.empty()) return true;
+    try {
         m_positions.reserve(list.count);
-        for (Element* element = list.first; element; element = element->next)
-            m_positions.append(element);
+    } catch (const std::bad_alloc&) {
+        memory_reserve::keep();
+        return false;
     }
+    for (Element* element = list.first; element; element = element->next)
+        m_positions.append(element);
+    return true;
+}
+
+Element* ListIndex::at(std::uint32_t position) {
     m_positions_asked = true;
     m_positions.ask_for(position); // it may be deleted next
     return m_positions.at(position);

@@ -27,8 +27,11 @@ class ListIndex {
     std::uint32_t count(std::string_view name, std::uint32_t hash) const;
     // The occurrence number of an element of the list.
     long occurrence_of(const Element* element) const;
+    // Whether elements are found by position, which is prepared for when it is first asked: not when memory
+    // runs out.
+    bool has_positions(const ElementList& list);
     // The element at a position, from 0, which must exist.
-    Element* at(const ElementList& list, std::uint32_t position);
+    Element* at(std::uint32_t position);
 
     // Each keeps the index true to a change of the list, after it is made (remove: before). They throw
     // std::bad_alloc and leave the index unusable then.
@@ -86,7 +89,7 @@ class ListIndex {
 
     mutable std::vector<Slot> m_slots; // linear probing, a power of two
     std::uint32_t m_used = 0;
-    GapList m_positions;            // empty until at() is asked
+    GapList m_positions;            // empty until has_positions() is asked
     bool m_positions_asked = false; // since the last change somewhere else
 };
 

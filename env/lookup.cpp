@@ -61,7 +61,8 @@ Element* child_at(Tree& tree, const ElementList& list, long pos) {
     if (pos < 1 || static_cast<unsigned long>(pos) > list.count) return nullptr;
     const auto position = static_cast<std::uint32_t>(pos) - 1;
     if (position == 0) return list.first;
-    if (ListIndex* index = tree.index_of(list)) return index->at(list, position);
+    if (ListIndex* index = tree.index_of(list); index && index->has_positions(list))
+        return index->at(position);
     Element* element = list.first;
     for (std::uint32_t i = 0; i < position; ++i)
         element = element->next;
