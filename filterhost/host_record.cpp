@@ -35,7 +35,8 @@ ps::Boolean PS_CALL test_abort() noexcept {
 void PS_CALL report_progress(std::int32_t done, std::int32_t total) noexcept {
     PSFilter_* filter = host_state().current;
     if (!filter) return;
-    filter->progress_fraction = static_cast<float>(done) / static_cast<float>(total);
+    filter->progress_fraction =
+        with_own_arithmetic([=] { return static_cast<float>(done) / static_cast<float>(total); });
     if (filter->progress && !goes_on(*filter)) filter->aborted = true;
 }
 
