@@ -101,9 +101,8 @@ extern "C" int BVUTIL_CALL BvUtil_MB_SucheDatei(const char* section, const char*
 extern "C" int BVUTIL_CALL BvUtil_MB_SuchePfad(const char* section, const char* key, char* out) {
     if (!section || !key || !out) return -1;
     return guarded(-1, [&] {
-        const std::string file = find_main_configuration();
-        const char* const configuration = file.c_str();
-        if (file.size() >= BVUTIL_PATH_SIZE) {
+        char configuration[BVUTIL_PATH_SIZE];
+        if (BvUtil_MB_SucheDatei(nullptr, nullptr, nullptr, configuration) != 0) {
             BvUtil_Message(load_string(IDS_NO_MAIN_INI).c_str(), nullptr, nullptr, source_name,
                            line_no_main_ini);
             return -1;

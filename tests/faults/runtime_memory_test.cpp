@@ -105,7 +105,7 @@ TEST(RuntimeMemory, SearchesFindOrFail) {
     library.fail(false);
     const auto search_path = library.function<decltype(BvUtil_MB_SuchePfad)>("BvUtil_MB_SuchePfad");
     const TempDir here, mb, elsewhere;
-    const MessageBoxWatcher boxes;
+    MessageBoxWatcher boxes;
     char former[MAX_PATH];
     GetCurrentDirectoryA(MAX_PATH, former);
     SetCurrentDirectoryA(here.path().c_str());
@@ -118,7 +118,7 @@ TEST(RuntimeMemory, SearchesFindOrFail) {
         if (fault.succeeds(0, -1, [&] { return BvUtil_MB_SucheDatei("s", "path", "wanted.bmp", out); })) {
             EXPECT_EQ(_stricmp(out, found.c_str()), 0) << out;
         }
-        if (fault.succeeds(0, -1, [&] { return BvUtil_MB_SuchePfad("s", "path", out); })) {
+        if (fault.succeeds(0, -1, [&] { return search_path("s", "path", out); })) {
             EXPECT_EQ(_stricmp(out, elsewhere.path().c_str()), 0) << out;
         }
         EXPECT_EQ(fault([&] { return search_path("s", "empty", out); }), -1);
@@ -135,6 +135,14 @@ TEST(RuntimeMemory, SearchesFindOrFail) {
         fault([&] { return GetLocalMachineRegistryEntry("Software", sizeof value, value); });
         fault.succeeds(1, 0, [&] { return BvUtil_ExecuteProgram("no program of a name that is long", "x"); });
     });
+    boxes.take();
+    char out[BVUTIL_PATH_SIZE];
+    Fault fault(1, false);
+    EXPECT_EQ(fault([&] { return search_path("s", "path", out); }), -1);
+    const auto told = boxes.take();
+    ASSERT_EQ(told.size(), 1u);
+    EXPECT_EQ(told[0].caption + told[0].text, "MESSAGE in \"BvUtilMisc\" line 75:"
+                                              "Es konnte keine mb.ini (mb[1-9].ini) gefunden werden!");
     SetEnvironmentVariableA("MB", nullptr);
     SetCurrentDirectoryA(former);
 }
