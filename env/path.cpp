@@ -62,30 +62,32 @@ bool Delimiter::is_wide(bool is_ascii) const {
     return !(m_is_ascii && is_ascii) && multibyte::active();
 }
 
-const char* Delimiter::find(std::string_view text, bool wide) const {
-    const char* const begin = text.data();
-    const char* const end = begin + text.size();
-    if (wide) {
-        const char* found = end;
-        multibyte::for_each_character(text, [&](std::size_t at, std::size_t) {
-            if (separator_length(text.substr(at)) > 0) found = begin + at;
-            return found == end;
-        });
-        return found;
-    }
+const char* Delimiter::find(const char* text, unsigned& bits) const {
     // Names are short: a call of the library's search would take longer than the search.
-    const char* at = begin;
     if (m_length == 1)
-        while (at < end && *at != m_text[0])
-            ++at;
+        for (; *text && *text != m_text[0]; ++text)
+            bits |= static_cast<unsigned char>(*text);
     else
-        while (at < end && !std::memchr(m_text, *at, m_length))
-            ++at;
-    return at;
+        for (; *text && !std::memchr(m_text, *text, m_length); ++text)
+            bits |= static_cast<unsigned char>(*text);
+    return text;
 }
 
-bool Delimiter::keeps(std::string_view name) const {
-    return !name.empty() && !is_wide(is_ascii(name)) && find(name, false) == name.data() + name.size();
+const char* Delimiter::find_wide(std::string_view text) const {
+    const char* const begin = text.data();
+    const char* const end = begin + text.size();
+    const char* found = end;
+    multibyte::for_each_character(text, [&](std::size_t at, std::size_t) {
+        if (separator_length(text.substr(at)) > 0) found = begin + at;
+        return found == end;
+    });
+    return found;
+}
+
+bool Delimiter::keeps(const char* name) const {
+    unsigned bits = 0;
+    const char* const end = find(name, bits);
+    return end > name && !*end && !is_wide(bits < 0x80);
 }
 
 std::size_t Delimiter::find_last_joint(std::string_view text) const {
@@ -98,22 +100,32 @@ std::size_t Delimiter::find_last_joint(std::string_view text) const {
     return found;
 }
 
-PathReader::PathReader(const char* path) : m_at(path), m_end(path) {
-    unsigned bits = 0;
-    for (; *m_end; ++m_end)
-        bits |= static_cast<unsigned char>(*m_end);
-    m_wide = delimiter().is_wide(bits < 0x80);
+PathReader::PathReader(const char* path) : m_at(path) {
+    if (delimiter().is_wide(true)) go_wide();
     read_token();
+}
+
+void PathReader::go_wide() {
+    m_wide_end = m_at + std::strlen(m_at);
 }
 
 void PathReader::read_token() {
     const Delimiter& separators = delimiter();
-    m_token = {};
-    while (m_at < m_end && m_token.empty()) {
-        const char* const end = separators.find({m_at, m_end}, m_wide);
-        m_token = {m_at, end};
-        m_at = end;
-        if (end < m_end) m_at += m_wide ? separators.separator_length({end, m_end}) : 1;
+    for (m_token = {}; *m_at && m_token.empty();) {
+        if (!m_wide_end) {
+            unsigned bits = 0;
+            const char* const end = separators.find(m_at, bits);
+            if (separators.is_wide(bits < 0x80)) {
+                go_wide();
+                continue;
+            }
+            m_token = {m_at, end};
+            m_at = end + (*end != '\0');
+        } else {
+            const char* const end = separators.find_wide({m_at, m_wide_end});
+            m_token = {m_at, end};
+            m_at = end + separators.separator_length({end, m_wide_end});
+        }
     }
 }
 

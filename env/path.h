@@ -22,10 +22,13 @@ class Delimiter {
     // Whether splitting a text, of ASCII only or not, must mind double-byte characters, in it or in the
     // delimiter.
     bool is_wide(bool is_ascii) const;
-    // The first separator, else the end of the text. `wide` is is_wide() of the text.
-    const char* find(std::string_view text, bool wide) const;
+    // The first separator of a text that is not wide, else its terminator. Bits that its bytes have are
+    // added.
+    const char* find(const char* text, unsigned& bits) const;
+    // The same for a wide text, else its end.
+    const char* find_wide(std::string_view text) const;
     // Whether a component that is this name, with an occurrence number behind it, is read back as the same.
-    bool keeps(std::string_view name) const;
+    bool keeps(const char* name) const;
     // Position of the last joint; npos when there is none.
     std::size_t find_last_joint(std::string_view text) const;
 
@@ -53,10 +56,11 @@ class PathReader {
 
   private:
     void read_token();
+    void go_wide();
 
-    bool m_wide;
     const char* m_at; // what is left behind the token
-    const char* m_end;
+    // Set from the first token that is wide on: those before it end at the same places, wide or not.
+    const char* m_wide_end = nullptr;
     std::string_view m_token; // the next one; empty at the end
 };
 

@@ -82,7 +82,7 @@ bool paths_keep_names(const Element* start) {
             if (at == start) return true;
             at = at->next;
         }
-        if (!delimiter().keeps(at->name_view())) return false;
+        if (!delimiter().keeps(at->name())) return false;
     }
 }
 

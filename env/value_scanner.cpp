@@ -37,14 +37,16 @@ constexpr auto character(Accept accept, const char* message) {
     };
 }
 
+constexpr const char* unexpected = "unexpected symbol";
+
 constexpr auto digit = character(is_digit, "bad_digit");
 constexpr auto letter = character(is_letter, "bad_stringchar");
 constexpr auto alphanumeric = character([](char c) { return is_digit(c) || is_letter(c); }, "bad_stringhar");
 constexpr auto blank = character([](char c) { return c == ' ' || c == '\t'; }, "bad_space");
-constexpr auto comma = character([](char c) { return c == ','; }, "unexpected symbol");
-constexpr auto point = character([](char c) { return c == '.'; }, "unexpected symbol");
-constexpr auto sign = character([](char c) { return c == '+' || c == '-'; }, "unexpected symbol");
-constexpr auto line_end = character([](char c) { return c == '\n' || c == '\r'; }, "unexpected symbol");
+constexpr auto comma = character([](char c) { return c == ','; }, unexpected);
+constexpr auto point = character([](char c) { return c == '.'; }, unexpected);
+constexpr auto sign = character([](char c) { return c == '+' || c == '-'; }, unexpected);
+constexpr auto line_end = character([](char c) { return c == '\n' || c == '\r'; }, unexpected);
 
 constexpr auto end = [](Scan& scan) {
     if (scan.position < scan.text.size()) miss(scan, "EOF expected");
@@ -176,6 +178,14 @@ Scan scan_with(const Grammar& grammar, std::string_view text, ScanSink& sink) {
 } // namespace
 
 Scan scan_long(std::string_view text, ScanSink& sink) {
+    // Most texts are a number and nothing else; the last to be missed is then a line end.
+    long value;
+    const char* const text_end = text.data() + text.size();
+    if (const auto [at, error] = std::from_chars(text.data(), text_end, value);
+        error == std::errc{} && at == text_end) {
+        sink.take_long(value);
+        return {.message = unexpected, .text = text, .position = text.size(), .sink = &sink};
+    }
     return scan_with(one(long_item), text, sink);
 }
 Scan scan_double(std::string_view text, ScanSink& sink) {
@@ -220,14 +230,17 @@ bool ScanSink::has_room() {
     return !overflowed();
 }
 
+void ScanSink::take_long(long value) {
+    if (has_room()) static_cast<long*>(m_slots)[m_filled++] = value;
+}
+
 void ScanSink::take_long(std::string_view item) {
-    if (!has_room()) return;
     // The C library's conversion: out of range gives the nearest long.
     const bool negative = item.front() == '-';
     long value = negative ? std::numeric_limits<long>::min() : std::numeric_limits<long>::max();
     if (item.front() == '+') item.remove_prefix(1);
     std::from_chars(item.data(), item.data() + item.size(), value);
-    static_cast<long*>(m_slots)[m_filled++] = value;
+    take_long(value);
 }
 
 void ScanSink::take_double(std::string_view item) {

@@ -24,6 +24,7 @@ class ScanSink {
     // Slots are buffers of item_size bytes; a null one is no room.
     static ScanSink words(char** slots, std::size_t capacity, std::size_t item_size);
 
+    void take_long(long value);
     void take_long(std::string_view item);
     void take_double(std::string_view item);
     void take_word(std::string_view item);
