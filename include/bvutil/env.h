@@ -9,26 +9,26 @@
  *  env_set_delimiter() chose another). A component made of digits behind a name is that name's occurrence
  *  number among its same-named siblings, 1 when it is left out: `walls@2@height` is the child `height` of the
  *  second child `walls`. Empty components vanish. On a sub-environment the section is ignored and paths start
- * at the element it stands on; without a path (null) that element itself is addressed. The argument @p exact
- * is 1 when each component must be a direct child, and 0 when each may lie at any depth: the search goes
- * breadth first, and an occurrence counts within one list of siblings. With an occurrence number of 0 the
- * exact walk takes the first child whatever its name (kept: callers rely on it).
+ *  at the element it stands on; without a path (null) that element itself is addressed. The argument @p exact
+ *  is 1 when each component must be a direct child, and 0 when each may lie at any depth: the search goes
+ *  breadth first, and an occurrence counts within one list of siblings. With an occurrence number of 0 the
+ *  exact walk takes the first child whatever its name (kept: callers rely on it).
  *
  *  @par Layers
  *  An environment may be opened on a fallback. The typed reads look there when the environment itself has
  *  nothing at (section, path), and return the tag of the layer that answered. Checks, counts, positions and
- * all writes stay in the environment they are given.
+ *  all writes stay in the environment they are given.
  *
  *  @par Results
  *  An #EnvStatus: 0 or a layer tag for success (tags are the caller's; use non-negative ones), else a
  *  negative code. A null handle gives #ENV_INVALID and the message "Nil parametr". Problems that the user
  *  should see go to BvUtil_Message() with the source "BvUtilEnv". Running out of memory gives #ENV_INVALID or
- * a null handle and leaves the store as it was. Only reading and copying keep what was done before: the
- * sections that were complete, the leaves that were copied.
+ *  a null handle and leaves the store as it was. Only reading and copying keep what was done before: the
+ *  sections that were complete, the leaves that were copied.
  *
  *  @par Lifetime
  *  Texts handed out by pointer live until their element is changed or deleted. A sub-environment whose
- * element is deleted addresses nothing from then on: lookups give #ENV_NOT_FOUND, writes #ENV_INVALID.
+ *  element is deleted addresses nothing from then on: lookups give #ENV_NOT_FOUND, writes #ENV_INVALID.
  *
  *  The delimiter and the iteration of env_get_first() are process-wide, and nothing is locked: use the store
  *  from one thread at a time.
@@ -96,8 +96,8 @@ BVUTIL_API EnvHandle BVUTIL_CALL env_create_subenv(EnvHandle env, const char* se
 /** Tells what is at (section, path).
  *  @return #ENV_IS_DATA, #ENV_IS_BLOCK, #ENV_IS_EXTERNAL or #ENV_NOT_FOUND; #ENV_INVALID for a null handle.
  *          On a main environment a null section stands for the whole top level (a block when it holds a
- * section), and a section without path is a block whatever it holds. A sub-environment without path that
- * stands on an empty block gives #ENV_NOT_FOUND (kept: callers rely on it). */
+ *  section), and a section without path is a block whatever it holds. A sub-environment without path that
+ *  stands on an empty block gives #ENV_NOT_FOUND (kept: callers rely on it). */
 BVUTIL_API EnvStatus BVUTIL_CALL env_check(EnvHandle env, const char* section, const char* path, int exact);
 
 /** @return 1 when env_check() finds an element of any kind, else 0. */
@@ -118,7 +118,8 @@ BVUTIL_API EnvStatus BVUTIL_CALL env_delete(EnvHandle env, const char* section, 
  *  environment, an empty block in front of the section. Without a path on a sub-environment the new external
  *  goes in front of the element it stands on.
  *  @return 0; #ENV_NOT_FOUND, #ENV_BAD_PATH, #ENV_INVALID. Without a path a missing section inserts nothing
- * and gives 0 all the same (kept: callers rely on it), but #ENV_NOT_FOUND when there is no section at all. */
+ *  and gives 0 all the same (kept: callers rely on it), but #ENV_NOT_FOUND when there is no section at all.
+ */
 BVUTIL_API EnvStatus BVUTIL_CALL env_insert_before(EnvHandle env, const char* section, const char* path,
                                                    const char* name);
 
@@ -154,7 +155,7 @@ BVUTIL_API EnvStatus BVUTIL_CALL env_create_array_path(long bufsize, char* buf,
 
 /** Counts same-named siblings.
  *  @return The number of elements in the list of the element at (section, path) that are called as the path's
- * last component (a number there is compared as a name); 0 when not found; #ENV_INVALID, #ENV_BAD_PATH. */
+ *  last component (a number there is compared as a name); 0 when not found; #ENV_INVALID, #ENV_BAD_PATH. */
 BVUTIL_API long BVUTIL_CALL env_count_path(EnvHandle env, const char* section, const char* path, int exact);
 
 /** Reads the child at a position of the block at (section, path), or the section at a position when @p env is
@@ -172,7 +173,7 @@ BVUTIL_API EnvStatus BVUTIL_CALL env_get_pos(EnvHandle env, const char* section,
 
 /** env_get_pos() at position 1; when it finds a kind, an iteration begins that env_get_next() carries on.
  *  There is one iteration in the process; it ends when its environment is closed. A section or path of 256
- * bytes or more is read but not iterated. */
+ *  bytes or more is read but not iterated. */
 BVUTIL_API EnvStatus BVUTIL_CALL env_get_first(EnvHandle env, const char* section, const char* path,
                                                int exact, long* layer_out, long name_size, char* name_buf,
                                                long value_size, char* value_buf, long* external_out);
@@ -191,7 +192,7 @@ BVUTIL_API EnvStatus BVUTIL_CALL env_get_next(long name_size, char* name_buf, lo
 
 /** Reads an element without copying: by position when @p pos is above 0 (as env_get_pos()), else by path.
  *  @param layer_out,name_out,text_out,external_out  Receive the layer tag and the name on every find, the
- * text of a data element, the value of an external; each may be null. The texts belong to the store.
+ *  text of a data element, the value of an external; each may be null. The texts belong to the store.
  *  @return The kind; #ENV_NOT_FOUND, #ENV_BAD_PATH, #ENV_INVALID. */
 BVUTIL_API EnvStatus BVUTIL_CALL env_get_core(EnvHandle env, const char* section, const char* path, int exact,
                                               long pos, long* layer_out, const char** name_out,
@@ -247,9 +248,10 @@ BVUTIL_API EnvStatus BVUTIL_CALL env_get_external(EnvHandle env, const char* sec
 /** @name Writing values
  *  A write walks exactly, creates what is missing and replaces what is there, a block with all below it.
  *  Occurrence n of a name with k same-named siblings appends n - k elements; those before the last are empty
- * data texts. A data or external element on the way becomes a block. A path without components stores nothing
- *  and gives 0, and so does a missing path on a main environment, which at most creates the section (both
- *  kept: callers rely on them). Occurrence 0 of anything under a block without children gives #ENV_NOT_FOUND.
+ *  data texts. A data or external element on the way becomes a block. A path without components stores
+ *  nothing and gives 0, and so does a missing path on a main environment, which at most creates the section
+ *  (both kept: callers rely on them). Occurrence 0 of anything under a block without children gives
+ *  #ENV_NOT_FOUND.
  *  @{ */
 
 /** Writes @p text as data, or, when it is null, @p external as an external. @return 0 or #ENV_INVALID. */
@@ -275,8 +277,8 @@ BVUTIL_API EnvStatus BVUTIL_CALL env_put_double(EnvHandle env, const char* secti
 BVUTIL_API EnvStatus BVUTIL_CALL env_put_format(EnvHandle env, const char* section, const char* path,
                                                 const char* format, ...);
 /** Writes a list of whole numbers, joined by ",". The joined text holds 1023 bytes; what does not fit is left
- * out silently, and when its separator fitted the text ends in "," and reads as #ENV_SYNTAX (kept: files in
- * use were written so). @return 0; #ENV_INVALID, also for a count below 1 or null values. */
+ *  out silently, and when its separator fitted the text ends in "," and reads as #ENV_SYNTAX (kept: files in
+ *  use were written so). @return 0; #ENV_INVALID, also for a count below 1 or null values. */
 BVUTIL_API EnvStatus BVUTIL_CALL env_put_longs(EnvHandle env, const char* section, const char* path,
                                                long count, const long* values);
 /** Writes a list of numbers in their "%g" texts. As env_put_longs(). */
@@ -304,12 +306,13 @@ typedef void(BVUTIL_CALL* EnvWriteChar)(int character, void* sink);
 BVUTIL_API EnvStatus BVUTIL_CALL env_read(EnvReadChar read_char, void* source, EnvHandle env);
 
 /** The same from a file, in text mode; a byte 0xFF ends it. @return As env_read(); #ENV_INVALID with the
- * message "cann't open to read: <file_name>" when it cannot be opened (the environment is then unchanged). */
+ *  message "cann't open to read: <file_name>" when it cannot be opened (the environment is then unchanged).
+ */
 BVUTIL_API EnvStatus BVUTIL_CALL env_read_file(const char* file_name, EnvHandle env);
 
 /** Writes a main environment as text, without its externals; lines are folded with a backslash.
  *  Texts that the format cannot hold (beginning with "{", with a line end inside, ...) are written as they
- * are. */
+ *  are. */
 BVUTIL_API void BVUTIL_CALL env_write(EnvWriteChar write_char, void* sink, EnvHandle env);
 
 /** The same to a file, in text mode. A byte 0xFF is left out. A write error is not told; check the file where
@@ -322,35 +325,35 @@ BVUTIL_API void BVUTIL_CALL env_write_file(const char* file_name, EnvHandle env)
 
 /** Receives an element of a walk.
  *  @param subenv   Stands on the element; open during the call only. Null when the element's own path does
- * not lead to it (a name that holds the delimiter).
+ *  not lead to it (a name that holds the delimiter).
  *  @param section  Section argument that addresses it.
  *  @param path     Path that addresses it, each name with its occurrence number; null for a section. */
 typedef void(BVUTIL_CALL* EnvVisit)(EnvHandle subenv, const char* section, const char* path, void* user);
 
 /** Visits the children of the block at (section, path) in order, or the sections when @p env is a main
- * environment and @p section is null. The callback may use and change the store.
+ *  environment and @p section is null. The callback may use and change the store.
  *  @return 0; #ENV_BAD_PATH; #ENV_INVALID; -2 (not -4; kept) when there is no such block or it has no
  *          children. */
 BVUTIL_API EnvStatus BVUTIL_CALL env_traverse(EnvHandle env, const char* section, const char* path, int exact,
                                               EnvVisit callback, void* user);
 
 /** Visits every data and external element of the environment, depth first; @p path is the full path inside
- * the section, e.g. `layers@1@name@2`. The callback must not start another leaf walk.
+ *  the section, e.g. `layers@1@name@2`. The callback must not start another leaf walk.
  *  @return 0; #ENV_INVALID when a step failed (the rest is then passed over). */
 BVUTIL_API EnvStatus BVUTIL_CALL env_traverse_leafs(EnvHandle env, EnvVisit callback, void* user);
 
 /** Lists the names of the children of the block at (section, path), each followed by @p separator.
  *  @return 0; -2 (kept) when it is no block; #ENV_TOO_SMALL, #ENV_BAD_PATH, #ENV_INVALID. @p buf is emptied
- * on failure, except when @p buf_size is below 2. */
+ *  on failure, except when @p buf_size is below 2. */
 BVUTIL_API EnvStatus BVUTIL_CALL env_list_elem_names(EnvHandle env, const char* section, const char* path,
                                                      int exact, char separator, long buf_size, char* buf);
 
 /** Copies the data leaves of @p src into @p dst, in the order of env_traverse_leafs(); externals are passed
- * over.
+ *  over.
  *  @param mode  0: only what @p dst does not have; 1: each as a further occurrence; 2: always, overwriting;
- * 3: only what @p dst has.
+ *  3: only what @p dst has.
  *  @return 0; #ENV_INVALID when a copy failed, as it does for texts of 255 bytes and more (what came before
- * is copied, what comes behind is passed over), and when there is nothing to walk over. */
+ *  is copied, what comes behind is passed over), and when there is nothing to walk over. */
 BVUTIL_API EnvStatus BVUTIL_CALL env_sink(EnvHandle dst, EnvHandle src, int mode);
 
 /** Copies the block at the exact (section, path) of @p src to the same place of @p dst, as env_sink().

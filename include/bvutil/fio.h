@@ -3,7 +3,7 @@
  *
  *  The header is 16 bytes: the text `1.1  @mb` (two blanks) and the name of the byte order, `INTEL   ` or
  *  `MOTOROLA`; data follow. The library writes and recognises it. Numbers are the caller's to convert: it
- * reads the byte order from the handle.
+ *  reads the byte order from the handle.
  */
 #ifndef BVUTIL_FIO_H
 #define BVUTIL_FIO_H
@@ -57,14 +57,14 @@ _Static_assert(sizeof(FioFile) == 16 && offsetof(FioFile, byteOrder) == 4,
  *  With #FIO_HEADER and #FIO_READ the first 8 bytes are taken for a header's when they contain `@mb` or `1.1`
  *  anywhere before a zero byte (kept: a text that begins with `1.1` counts too, and its first 16 bytes are
  *  skipped). Otherwise the position stays at 0 and the byte order is #FIO_NO_HEADER. Files are always created
- * as #FIO_INTEL.
+ *  as #FIO_INTEL.
  *
  *  @param dir   Directory under which @p file is placed, unless that has a drive; null counts as empty.
  *  @param file  File name or path. The whole path is lower-cased, see BvUtil_Makepath().
  *  @param mode  See #FIO_READ. Unknown bits are kept in FioFile::mode and otherwise ignored.
  *  @return The handle, to be closed with fio_close(). Null, with no file touched, when @p mode has not
- * exactly one of read, write and append or @p file is null; null when the file cannot be opened or its header
- *          not be written, and when memory ran out.
+ *  exactly one of read, write and append or @p file is null; null when the file cannot be opened or its
+ *  header not be written, and when memory ran out.
  */
 BVUTIL_API FioFile* BVUTIL_CALL fio_open(const char* dir, const char* file, int mode);
 

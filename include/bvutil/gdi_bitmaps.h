@@ -21,7 +21,7 @@ BVUTIL_BEGIN_C
  *  @param bitmap            The bitmap; the region's point (0, 0) is its upper left corner.
  *  @param transparentColor  Blue in the lowest byte, then green and red, 0x00RRGGBB; the highest byte is
  *                           ignored. This is not the order of a COLORREF: RGB(255, 0, 0) stands for blue
- * here. Only exactly equal pixels are transparent.
+ *  here. Only exactly equal pixels are transparent.
  *  @return The region, owned by the caller (DeleteObject()); an empty one when all pixels are transparent.
  *          Null when @p bitmap is null or no bitmap, when a device context or a copy of the bitmap cannot be
  *          made, and when memory runs out.

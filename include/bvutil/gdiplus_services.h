@@ -6,21 +6,21 @@
  *
  *  @par Handles
  *  An image handle points to an object laid out as the platform's wrapper class `Gdiplus::Bitmap` (native
- * bitmap and last status; 12 bytes and a load status), a graphics handle to one laid out as
- * `Gdiplus::Graphics`. A caller may use them as such, and may pass its own objects of these classes. Handles
- * are released by gdiPlusFreeImage() and gdiPlusFreeGraphics(), never by `delete`: compilers differ in how
- * that is called. (The virtual table is the one that the platform's own compiler expects.)
+ *  bitmap and last status; 12 bytes and a load status), a graphics handle to one laid out as
+ *  `Gdiplus::Graphics`. A caller may use them as such, and may pass its own objects of these classes. Handles
+ *  are released by gdiPlusFreeImage() and gdiPlusFreeGraphics(), never by `delete`: compilers differ in how
+ *  that is called. (The virtual table is the one that the platform's own compiler expects.)
  *
  *  @par Results
  *  1 for done, 0 for refused. Null handles, buffers and out-parameters give 0, and so does a bitmap, or
- * graphics of a device context, that cannot be made: out-parameters are then untouched. When a later GDI+
- * call on a handle fails, its status is kept in the handle (`GetLastStatus()` of the wrapper class) and the
- * result is 1 all the same, unless a comment says otherwise.
+ *  graphics of a device context, that cannot be made: out-parameters are then untouched. When a later GDI+
+ *  call on a handle fails, its status is kept in the handle (`GetLastStatus()` of the wrapper class) and the
+ *  result is 1 all the same, unless a comment says otherwise.
  *
  *  @par Pixels
  *  Raw pixels are blue, green, red and, with four bytes, one more. A bitmap that is made of them is
- * independent of the caller's buffer. Sizes below 1 and buffers above 2 GB are refused. The platform wants
- * row lengths of 32-bit and 24-bit bitmaps to be multiples of 4.
+ *  independent of the caller's buffer. Sizes below 1 and buffers above 2 GB are refused. The platform wants
+ *  row lengths of 32-bit and 24-bit bitmaps to be multiples of 4.
  */
 #ifndef BVUTIL_GDIPLUS_SERVICES_H
 #define BVUTIL_GDIPLUS_SERVICES_H
@@ -112,14 +112,14 @@ BVUTIL_API int BVUTIL_CALL gdiPlusGetBitmapFromBitmapInfo(const BITMAPINFO* info
 
 /** Imports pixels, taking pure white for transparent: its alpha is 0, that of all other pixels is @p alpha.
  *  The result is drawn on opaque white, as everything was that callers know of this function: where alpha is
- * below 255, it shows as a mixture with white.
+ *  below 255, it shows as a mixture with white.
  *
  *  @param bits    Rows without padding, bottom row first: `width * height * sourceBytesPerPixel` bytes.
  *  @param width,height         Size in pixels.
  *  @param sourceBytesPerPixel  Distance of the pixels in @p bits, meant to be 3 or 4; the first three are
- * read.
+ *  read.
  *  @param targetBytesPerPixel  Distance of the pixels in the image made of them: 4 for 32 bits, 3 for 24
- * bits. Pixels closer than that overwrite each other in turn, wider gaps are 0.
+ *  bits. Pixels closer than that overwrite each other in turn, wider gaps are 0.
  *  @param alpha      Alpha of pixels other than white.
  *  @param withAlpha  Not 0: the image has 32 bits with alpha. 0: it has 24 bits. */
 BVUTIL_API int BVUTIL_CALL gdiPlusBitmapFromBits(const BYTE* bits, int width, int height,
@@ -147,9 +147,9 @@ BVUTIL_API int BVUTIL_CALL gdiPlusGetBitmap(int width, int height, int stride, i
 
 /** Imports rows of three-byte pixels.
  *  @param sourceStride,targetStride  Bytes from one row to the next, in @p bits and in the image made of
- * them.
+ *  them.
  *  @param format  0: as gdiPlusGetBitmap24BPPRGB() with @p sourceStride, top row first. 1: 32-bit RGB. Any
- * other value: 32 bits with alpha. For both the rows are bottom row first.
+ *  other value: 32 bits with alpha. For both the rows are bottom row first.
  *  @param alpha   Alpha of all pixels. */
 BVUTIL_API int BVUTIL_CALL gdiPlusGetBitmapEx(int width, int height, int sourceStride, int targetStride,
                                               int format, BYTE alpha, const BYTE* bits, BvUtilImage* image);
@@ -163,7 +163,7 @@ BVUTIL_API int BVUTIL_CALL gdiPlusResizeBitmap(HBITMAP bitmap, int width, int he
 
 /** Makes the graphics that draw on an image.
  *  @param graphics  Receives the handle, released by gdiPlusFreeGraphics(); null when memory runs out. When
- * the image cannot be drawn on, the graphics are empty and their status tells why.
+ *  the image cannot be drawn on, the graphics are empty and their status tells why.
  *  @return 1; 0 for null. */
 BVUTIL_API int BVUTIL_CALL gdiPlusGetGraphicsFromBitmap(BvUtilImage image, BvUtilGraphics* graphics);
 
@@ -196,7 +196,7 @@ BVUTIL_API int BVUTIL_CALL gdiPlusFillPolygon(HDC target, int reserved, BYTE alp
                                               BYTE blue, const POINT* points, int count);
 
 /** Draws an image at (x, y), one image pixel to one device pixel. For that the image takes on the resolution
- * of the target. @return 1 when that succeeded. */
+ *  of the target. @return 1 when that succeeded. */
 BVUTIL_API int BVUTIL_CALL gdiPlusDrawImage(BvUtilImage image, HDC target, float x, float y);
 
 /** Clears the target to white and draws an image into a parallelogram, in pixels: upper left, upper right and
@@ -207,7 +207,7 @@ BVUTIL_API int BVUTIL_CALL gdiPlusDrawImage2(BvUtilImage image, HDC target, int 
 /** Clears the target to white and draws a part of an image in the place and size of the whole.
  *
  *  With the image's bounds X, Y, W, H the part is left X * @p fx, top H * @p fy + Y, width W * @p fw and
- * height H * @p fh + top. (The top is part of the height: kept, callers rely on it.) */
+ *  height H * @p fh + top. (The top is part of the height: kept, callers rely on it.) */
 BVUTIL_API int BVUTIL_CALL gdiPlusDrawImage3(BvUtilImage image, HDC target, float fx, float fw, float fy,
                                              float fh);
 
@@ -218,7 +218,7 @@ BVUTIL_API int BVUTIL_CALL gdiPlusDrawTranspImage(BvUtilImage image, HDC target,
  *
  *  This one function is exported under the decorated name of a C++ function,
  *  `?gdiPlusPrintImage@@YAHPAVImage@Gdiplus@@PAUHDC__@@HHMM@Z`. From C it can be called with compilers that
- * let a declaration name its symbol.
+ *  let a declaration name its symbol.
  *  @return 1 when the draw succeeded. */
 #if defined(BVUTIL_BUILDING)
 int BVUTIL_CALL gdiPlusPrintImage(Gdiplus::Image* image, HDC target, int x, int y, float scaleX,

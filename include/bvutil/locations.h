@@ -39,7 +39,7 @@ BVUTIL_API int BVUTIL_CALL BvUtil_GetOperatingSystem(int* major, int* minor);
  *               between the two when the first has a backslash that is not its last character, and only then:
  *               behind "data" there is none, behind "C:\data\" there are two.
  *  @return @p path; null when the system's folder cannot be found, when the result does not fit, and for
- * null; an empty constant text, after a box, when the system cannot tell its version. */
+ *  null; an empty constant text, after a box, when the system cannot tell its version. */
 BVUTIL_API char* BVUTIL_CALL BvUtil_GetProgPathAppData(char* path);
 
 /** Gives the user's folder for application data that follows the user to other machines.

@@ -2,7 +2,7 @@
  *  CBvMatFile: material files, which describe one surface material for rendering.
  *
  *  A material file is a profile (ini) file. Its section "Material" holds the material's "Name", and the
- * section of that name holds the values. Keys, with what a missing one reads as:
+ *  section of that name holds the values. Keys, with what a missing one reads as:
  *
  *  | key            | value                                                   | missing       |
  *  |----------------|---------------------------------------------------------|---------------|
@@ -21,7 +21,7 @@
  *
  *  @par Compiler
  *  For C++ alone, and for callers built with the library's own compiler and C++ runtime: `std::string` and
- * the class's layout cross the boundary.
+ *  the class's layout cross the boundary.
  *
  *  @par Failures
  *  Nothing is thrown. When memory runs out, Read() and Write() return 0 and any other call leaves its text

@@ -2,18 +2,18 @@
  *  Typed values in the sections of a profile (ini) file: numbers, strings, lists of numbers, drawing records.
  *
  *  Every value goes through CBvIniFile and follows its rules: a key that is missing, or whose value is
- * literally
+ *  literally
  *  `_TheDefault_`, reads as missing; a value is read as at most 1023 bytes; a write leaves everything else in
  *  the file as it is. A path without a directory is looked up in the Windows directory by the platform, but
- * in the current directory when it is opened: give a directory.
+ *  in the current directory when it is opened: give a directory.
  *
  *  All functions but the opening and closing ones return 0 for success and -1 for failure, and -1 when any of
  *  their pointers is null. Numbers have a decimal point in every locale.
  *
  *  @par Lists of numbers
  *  Values joined by `,`. A whole number is written as an integer (out of the range of int as -2147483648),
- * any other with six decimals. On reading, exactly one byte, whatever it is, separates a number from the
- * next, and white space in front of a number is skipped.
+ *  any other with six decimals. On reading, exactly one byte, whatever it is, separates a number from the
+ *  next, and white space in front of a number is skipped.
  */
 #ifndef BVUTIL_MINI_H
 #define BVUTIL_MINI_H
@@ -39,7 +39,7 @@ enum { MINI_READONLY = 0x04 /**< For reading only. Writes through such a handle 
 
 /** @name Drawing records
  *  Stored as lists of numbers, in the order of their fields; a colour takes three, red, green and blue of 0
- * to 255. A colour is an integer with red in the low byte, then green and blue; its top byte is 0.
+ *  to 255. A colour is an integer with red in the low byte, then green and blue; its top byte is 0.
  *  @{ */
 
 /** A GUID in the platform's layout. */
@@ -115,7 +115,7 @@ BVUTIL_MINI_ASSERT(sizeof(MiniTexProps) == 52 && offsetof(MiniTexProps, values) 
  *  @param file   File name or path. The whole path is lower-cased, see BvUtil_Makepath().
  *  @param flags  #MINI_READONLY: the file must be readable; without it, writable. Other bits are ignored.
  *  @return The handle, to be closed with mini_close(); null when @p file is null, the path is empty or is not
- * a file that may be accessed so, and when memory ran out. */
+ *  a file that may be accessed so, and when memory ran out. */
 BVUTIL_API MiniHandle BVUTIL_CALL mini_open(const char* dir, const char* file, int flags);
 
 /** The same for a full path, which is taken as it is. */
@@ -142,7 +142,7 @@ BVUTIL_API int BVUTIL_CALL mini_read_double(MiniHandle h, const char* section, c
 /** Reads a string.
  *  @param buffer  Receives the string and a terminating zero: `*length + 1` bytes.
  *  @param length  In: bytes that @p buffer holds besides the terminating zero; a longer string is cut to them
- * and leaves @p length unchanged. Out: the length of a string that is shorter.
+ *  and leaves @p length unchanged. Out: the length of a string that is shorter.
  *  @return 0; -1 when missing and for a negative length. */
 BVUTIL_API int BVUTIL_CALL mini_read_string(MiniHandle h, const char* section, const char* key, char* buffer,
                                             int* length);
@@ -151,7 +151,7 @@ BVUTIL_API int BVUTIL_CALL mini_read_string(MiniHandle h, const char* section, c
  *  @param values  Receives them. On failure it holds those in front of the broken one.
  *  @param count   In: numbers that @p values has room for, above 0. Out: numbers read; untouched on failure.
  *  @return 0; -1 when missing or empty, when a number is broken or missing (also behind a separator at the
- * end), and for a capacity below 1. */
+ *  end), and for a capacity below 1. */
 BVUTIL_API int BVUTIL_CALL mini_read_doubles(MiniHandle h, const char* section, const char* key,
                                              double* values, int* count);
 
@@ -164,15 +164,15 @@ BVUTIL_API int BVUTIL_CALL mini_write_double(MiniHandle h, const char* section, 
 BVUTIL_API int BVUTIL_CALL mini_write_string(MiniHandle h, const char* section, const char* key,
                                              const char* value);
 /** Writes a list of @p count numbers; none writes an empty value, and a negative count fails. A list longer
- * than 1023 bytes is written whole but read cut. */
+ *  than 1023 bytes is written whole but read cut. */
 BVUTIL_API int BVUTIL_CALL mini_write_doubles(MiniHandle h, const char* section, const char* key,
                                               const double* values, int count);
 
 /** @} */
 /** @name Values that are drawing records
  *  Reading fails, and leaves the record untouched, when mini_read_doubles() does. Fields whose numbers a
- * short list lacks are 0. Integers and colours drop the fraction of their numbers; a flag is 1 for a number
- * of at least 0.0001 in magnitude.
+ *  short list lacks are 0. Integers and colours drop the fraction of their numbers; a flag is 1 for a number
+ *  of at least 0.0001 in magnitude.
  *
  *  Writing rounds integers and colours to whole numbers, and `value1`, `value2`, `value3`, widths and texture
  *  numbers to five decimals, with BvUtil_PRound().
@@ -186,7 +186,7 @@ BVUTIL_API int BVUTIL_CALL mini_write_fillstyle(MiniHandle h, const char* sectio
                                                 const MiniFillStyle* fill);
 
 /** Reads also the GUID, in braces. @return -1 also when it is missing or does not parse, and for a key of
- * more than 250 bytes. */
+ *  more than 250 bytes. */
 BVUTIL_API int BVUTIL_CALL mini_read_fillstyle_ex(MiniHandle h, const char* section, const char* key,
                                                   MiniFillStyleEx* fill);
 /** Writes the numbers and then the GUID, in braces and upper case. @return -1 also for a key of more than 250
@@ -201,7 +201,7 @@ BVUTIL_API int BVUTIL_CALL mini_read_penstyle(MiniHandle h, const char* section,
 BVUTIL_API int BVUTIL_CALL mini_write_penstyle(MiniHandle h, const char* section, const char* key,
                                                const MiniPenStyle* pen);
 /** As mini_write_penstyle(), but each part of the colour is divided by 255 before it is rounded: it is
- * written as 0 below 128 and as 1 from there on (kept: callers rely on it). */
+ *  written as 0 below 128 and as 1 from there on (kept: callers rely on it). */
 BVUTIL_API int BVUTIL_CALL mini_write_penstyleEX(MiniHandle h, const char* section, const char* key,
                                                  const MiniPenStyle* pen);
 

@@ -19,7 +19,7 @@ BVUTIL_BEGIN_C
  *
  *  @param x  The number.
  *  @param p  Power of ten: 0 rounds to whole numbers, -5 to five decimals, 2 to hundreds. Where q is no
- * finite number above 0 (@p p above 308 or below -323) the formula gives NaN.
+ *  finite number above 0 (@p p above 308 or below -323) the formula gives NaN.
  *  @return The formula's value, each step rounded to double. */
 BVUTIL_API double BVUTIL_CALL BvUtil_PRound(double x, int p);
 
@@ -27,7 +27,7 @@ BVUTIL_API double BVUTIL_CALL BvUtil_PRound(double x, int p);
 BVUTIL_API float BVUTIL_CALL BvUtil_FRound(float x, int p);
 
 /** Cuts off the fraction: 2.7 gives 2, -2.7 gives -2. Despite its name it does not round (kept: callers rely
- * on it).
+ *  on it).
  *  @return The whole part; the lowest long, -2147483648, when it is out of range and for NaN. */
 BVUTIL_API long BVUTIL_CALL BvUtil_LRound(double x);
 

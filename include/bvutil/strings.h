@@ -141,7 +141,7 @@ _Static_assert(sizeof(BvUtilEntry) == 272, "callers step through the entries by 
  *  @param entries   Receives the array of entries, to be freed with BvUtil_FreeEntries(); null on failure.
  *  @param count     Receives the number of entries; 0 on failure.
  *  @return 0; also, with nothing listed, when there was no memory to begin with. -1 when nothing matched,
- * when memory ran out later, and for a null @p dir, @p entries or @p count.
+ *  when memory ran out later, and for a null @p dir, @p entries or @p count.
  */
 BVUTIL_API int BVUTIL_CALL BvUtil_Listdir(const char* dir, const char* pattern, int reserved,
                                           BvUtilEntry** entries, int* count);

@@ -50,7 +50,7 @@ BVUTIL_API int BVUTIL_CALL ConvertToUTF8(const char* text, char* out);
  *  @param lengthOnly  Not 0: only the length is wanted.
  *  @return 1. 0, with nothing written, when an argument that is needed is null, when the file cannot be
  *          opened or read to its end, when memory runs out, and when the length exceeds an int. 0, with a
- * part of the text written, when another program cuts the file during the call.
+ *  part of the text written, when another program cuts the file during the call.
  */
 BVUTIL_API int BVUTIL_CALL jpgToXML(const char* path, char* out, int* length, int lengthOnly);
 
