@@ -21,32 +21,22 @@ std::string expected(const std::vector<std::uint8_t>& bytes) {
     return out.append((4 - out.size() % 4) % 4, '=');
 }
 
-// On exact heap buffers, so that a sanitizer sees every byte read or written beyond them.
-void expect_encoded(const std::vector<std::uint8_t>& bytes) {
-    std::vector<char> out(static_cast<std::size_t>(base64_length(bytes.size())));
-    for (const CpuLevel level : {CpuLevel::sse2, CpuLevel::ssse3, CpuLevel::avx2}) {
-        if (level > cpu_level()) continue;
-        std::fill(out.begin(), out.end(), '#');
-        base64_encode(bytes, out.data(), level);
-        ASSERT_EQ(std::string(out.begin(), out.end()), expected(bytes))
-            << bytes.size() << " bytes, level " << static_cast<int>(level);
-    }
-}
-
 TEST(Base64, EqualsTheDefinitionForEveryLengthAndValue) {
     EXPECT_EQ(expected({'f', 'o', 'o', 'b'}), "Zm9vYg==");
     std::mt19937 random(7);
-    for (std::size_t length = 0; length < 200; ++length) {
+    for (std::size_t length = 0; length < 4000; length += length < 200 ? 1 : 3700) {
+        // On exact heap buffers, so that a sanitizer sees every byte read or written beyond them.
         std::vector<std::uint8_t> bytes(length);
         for (std::uint8_t& byte : bytes)
             byte = static_cast<std::uint8_t>(random());
-        expect_encoded(bytes);
+        for (const CpuLevel level : {CpuLevel::sse2, CpuLevel::ssse3, CpuLevel::avx2}) {
+            if (level > cpu_level()) continue;
+            std::vector<char> out(static_cast<std::size_t>(base64_length(length)), '#');
+            base64_encode(bytes, out.data(), level);
+            ASSERT_EQ(std::string(out.begin(), out.end()), expected(bytes))
+                << length << " bytes, level " << static_cast<int>(level);
+        }
     }
-    std::vector<std::uint8_t> all; // every 6-bit value at every place
-    for (unsigned value = 0; value < 0x1000000; value += 0x10101 / 5)
-        for (const int shift : {16, 8, 0})
-            all.push_back(static_cast<std::uint8_t>(value >> shift));
-    expect_encoded(all);
 }
 
 } // namespace

@@ -2,8 +2,8 @@
 #pragma once
 
 #include <cstdint>
-#include <cstring>
 #include <string>
+#include <utility>
 #include <vector>
 
 struct BmpFields {
@@ -12,38 +12,33 @@ struct BmpFields {
     std::uint32_t colours_used = 0, compression = 0, header_size = 40;
 };
 
-inline void put(std::string& to, std::uint32_t value, int bytes) {
-    for (int i = 0; i < bytes; ++i)
-        to += static_cast<char>(value >> (8 * i));
+// Numbers as they lie in a file, each with its size in bytes.
+inline std::string packed(std::initializer_list<std::pair<std::int64_t, int>> numbers) {
+    std::string bytes;
+    for (const auto& [number, size] : numbers)
+        for (int i = 0; i < size; ++i)
+            bytes += static_cast<char>(number >> (8 * i));
+    return bytes;
 }
 
 inline std::string info_header(const BmpFields& f) {
-    std::string header;
-    put(header, f.header_size, 4);
-    put(header, static_cast<std::uint32_t>(f.width), 4);
-    put(header, static_cast<std::uint32_t>(f.height), 4);
-    put(header, 1, 2);
-    put(header, f.bits, 2);
-    put(header, f.compression, 4);
-    put(header, 0x11223344, 4); // image size: carried along, never looked at
-    put(header, 2835, 4);
-    put(header, 2836, 4);
-    put(header, f.colours_used, 4);
-    put(header, 5, 4);
-    return header;
-}
-
-inline std::string file_header() {
-    std::string header = "BM";
-    put(header, 0xAAAA, 4);
-    put(header, 0x00010002, 4);
-    put(header, 0xBBBB, 4);
-    return header;
+    constexpr int image_size = 0x11223344; // carried along, never looked at
+    return packed({{f.header_size, 4},
+                   {f.width, 4},
+                   {f.height, 4},
+                   {1, 2},
+                   {f.bits, 2},
+                   {f.compression, 4},
+                   {image_size, 4},
+                   {2835, 4},
+                   {2836, 4},
+                   {f.colours_used, 4},
+                   {5, 4}});
 }
 
 // A file of these headers, followed by what is given: palette and rows.
 inline std::string bmp_file(const BmpFields& f, const std::string& rest) {
-    return file_header() + info_header(f) + rest;
+    return "BM" + packed({{0xAAAA, 4}, {0x00010002, 4}, {0xBBBB, 4}}) + info_header(f) + rest;
 }
 
 // Counting bytes: distinct values in every place.
@@ -63,11 +58,9 @@ inline std::vector<std::string> hostile_files() {
         for (std::size_t end = 0; end < 70; ++end)
             files.push_back(good.substr(0, end));
         for (const std::size_t field : {0u, 10u, 14u, 26u, 28u, 30u, 34u, 46u})
-            for (const std::uint32_t value :
-                 {0u, 1u, 0x7Fu, 0xFFFFu, 0x7FFFFFFFu, 0x80000000u, 0xFFFFFFFFu}) {
-                std::string bytes = good, four;
-                put(four, value, field == 0 || field == 26 || field == 28 ? 2 : 4);
-                files.push_back(bytes.replace(field, four.size(), four));
+            for (const std::int64_t value : {0ll, 1ll, 0x7Fll, 0xFFFFll, 0x7FFFFFFFll, 0x80000000ll, -1ll}) {
+                const std::string bytes = packed({{value, field == 0 || field == 26 || field == 28 ? 2 : 4}});
+                files.push_back(std::string(good).replace(field, bytes.size(), bytes));
             }
     }
     return files;
