@@ -3,13 +3,9 @@
 
 #include "filterhost/filter_record.h"
 #include "tests/filterhost/property_bytes.h"
-#include "tests/support/temp_dir.h"
+#include "tests/support/run_program.h"
 
 #include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
-#include <windows.h>
 
 // Makes plug-in files that last as long as this.
 class PluginFiles {
@@ -17,10 +13,9 @@ class PluginFiles {
     // A copy of the scripted plug-in with these property lists, numbered from 1. Returns its path.
     std::string make(const std::vector<std::string>& lists) {
         const std::string path = m_dir.file("plugin" + std::to_string(m_count++) + ".8bf");
-        EXPECT_TRUE(CopyFileA(scripted_plugin().c_str(), path.c_str(), FALSE));
+        EXPECT_TRUE(CopyFileA(program_path("tests\\scripted.8bf").c_str(), path.c_str(), FALSE));
         if (lists.empty()) return path;
         const HANDLE update = BeginUpdateResourceA(path.c_str(), FALSE);
-        EXPECT_TRUE(update);
         for (std::size_t i = 0; i < lists.size(); ++i)
             EXPECT_TRUE(UpdateResourceA(update, ps::property_list_type, MAKEINTRESOURCEA(i + 1), 0,
                                         const_cast<char*>(lists[i].data()),
@@ -31,12 +26,6 @@ class PluginFiles {
     std::string make(const std::string& list) { return make(std::vector{list}); }
 
     std::string file(const std::string& name) const { return m_dir.file(name); }
-
-    static std::string scripted_plugin() {
-        char path[MAX_PATH];
-        GetModuleFileNameA(nullptr, path, MAX_PATH);
-        return (std::filesystem::path(path).parent_path() / "scripted.8bf").string();
-    }
 
   private:
     TempDir m_dir;
