@@ -1,7 +1,5 @@
 // What bvutil shows on a console: characters of any code page, colours, and the progress of long work.
-#include "tests/support/run_program.h"
-
-#include <gtest/gtest.h>
+#include "tests/tools/commands.h"
 
 #include <thread>
 
@@ -46,22 +44,22 @@ class Screen {
     HANDLE m_handle;
 };
 
-int run_on(const Screen& screen, const std::wstring& arguments, const std::string& folder,
-           HANDLE in = nullptr) {
-    const std::wstring program = std::filesystem::path(program_path("bvutil.exe")).wstring();
-    return run_with(L"\"" + program + L"\" " + arguments, folder, in, screen.handle(), screen.handle());
-}
+class Console : public Commands {
+  protected:
+    int run_on(const Screen& screen, const std::wstring& arguments, HANDLE in = nullptr) const {
+        return run_with(L"bvutil.exe " + arguments, dir.path(), in, screen.handle(), screen.handle());
+    }
+};
 
-TEST(Console, ShowsEveryCharacterAndColours) {
-    const TempDir folder;
-    write_file(folder.file("a.env"), "[S]\n k = \x80\xFC\n");
+TEST_F(Console, ShowsEveryCharacterAndColours) {
+    write("a.env", "[S]\n k = \x80\xFC\n");
     for (const bool coloured : {true, false}) {
         SetEnvironmentVariableA("NO_COLOR", coloured ? nullptr : "1");
         const Screen screen;
-        EXPECT_EQ(run_on(screen, L"env show a.env", folder.path()), 0);
+        EXPECT_EQ(run_on(screen, L"env show a.env"), 0);
         EXPECT_NE(screen.text().find(L"\u2514\u2500\u2500 [S]"), std::wstring::npos);
         EXPECT_NE(screen.text().find(L"\u2514\u2500\u2500 k = \u20AC\u00FC "), std::wstring::npos);
-        EXPECT_EQ(run_on(screen, L"env get a.env S none", folder.path()), 1);
+        EXPECT_EQ(run_on(screen, L"env get a.env S none"), 1);
         const WORD plain = screen.colour_of(L"k =");
         EXPECT_EQ(screen.colour_of(L"none is not in"), plain);
         EXPECT_EQ(screen.colour_of(L"[S]") != plain, coloured);
@@ -70,8 +68,7 @@ TEST(Console, ShowsEveryCharacterAndColours) {
     SetEnvironmentVariableA("NO_COLOR", nullptr);
 }
 
-TEST(Console, ShowsProgressWhileWorkGoesOnAndWipesItThen) {
-    const TempDir folder;
+TEST_F(Console, ShowsProgressWhileWorkGoesOnAndWipesItThen) {
     const Screen screen;
     SECURITY_ATTRIBUTES inherited{sizeof inherited, nullptr, TRUE};
     HANDLE in = nullptr, points = nullptr;
@@ -88,11 +85,11 @@ TEST(Console, ShowsProgressWhileWorkGoesOnAndWipesItThen) {
         WriteFile(points, "0,0\n1,0\n0,1\n", 12, &written, nullptr);
         CloseHandle(points);
     });
-    EXPECT_EQ(run_on(screen, L"triangulate --csv t.csv", folder.path(), in), 0);
+    EXPECT_EQ(run_on(screen, L"triangulate --csv t.csv", in), 0);
     feeder.join();
     CloseHandle(in);
     EXPECT_TRUE(shown);
-    EXPECT_TRUE(screen.text().starts_with(L"3 points, 1 triangles ")) << read_file(folder.file("t.csv"));
+    EXPECT_TRUE(screen.text().starts_with(L"3 points, 1 triangles ")) << read("t.csv");
 }
 
 } // namespace
