@@ -129,7 +129,7 @@ void imports_raw_pixels() {
     EXPECT_NEAR(static_cast<double>(pixel(half, 1, 0) & 255), 127, 1) << "a mixture of black and white";
 }
 
-void saves_by_format_code() {
+TEST(GdiPlus, SavesByFormatCode) {
     TempDir dir;
     const std::string path = dir.file("picture");
     const unique_image image = picture(16, 16, [](int x, int) { return x < 8 ? 0xC00000u : 0x0000C0u; });
@@ -239,33 +239,17 @@ void clears_fills_and_draws() {
     EXPECT_EQ(other.get()->GetHorizontalResolution(), dpi);
 }
 
-struct Subject {
-    const char* name;
-    void (*check)();
-};
-const Subject subjects[] = {
-    {"HandlesAreLaidOutAsTheWrapperClass", handles_are_laid_out_as_the_wrapper_class},
-    {"ImportsRawPixels", imports_raw_pixels},
-    {"FindsEncodersByTheExactMimeType", finds_encoders_by_the_exact_mime_type},
-    {"TakesBitmapsOfThePlatformAndResizesThem", takes_bitmaps_of_the_platform_and_resizes_them},
-    {"GivesDeviceContextsOfImages", gives_device_contexts_of_images},
-    {"ClearsFillsAndDraws", clears_fills_and_draws},
-    {"SavesByFormatCode", saves_by_format_code},
-};
-class GdiPlusService : public testing::TestWithParam<Subject> {};
-TEST_P(GdiPlusService, Works) {
-    GetParam().check();
-}
-INSTANTIATE_TEST_SUITE_P(Each, GdiPlusService, testing::ValuesIn(subjects),
-                         [](const auto& info) { return std::string(info.param.name); });
-
-TEST(GdiPlus, KeepsNothing) {
+TEST(GdiPlus, WorksAndKeepsNothing) {
     const TempDir dir;
     const unique_image image = picture(4, 4, four_colours);
     const auto check_all = [&](int times) {
-        for (int i = 0; i < times; ++i) {
-            for (const Subject& subject : subjects)
-                if (subject.check != saves_by_format_code) subject.check(); // some encoders leak
+        for (int i = 0; i < times && !HasFailure(); ++i) {
+            handles_are_laid_out_as_the_wrapper_class();
+            imports_raw_pixels();
+            finds_encoders_by_the_exact_mime_type();
+            takes_bitmaps_of_the_platform_and_resizes_them();
+            gives_device_contexts_of_images();
+            clears_fills_and_draws();
             if (i % 8) continue;
             unique_image read;
             gdiPlusSaveImage(image.get(), dir.file("a.bmp").c_str(), i % 16 ? 1 : 0);
@@ -292,8 +276,6 @@ TEST(GdiPlus, RefusesNullAndWhatCannotBeMade) {
         gdiPlusGetBitmapFromBitmapInfo(nullptr, bits, &out),
         gdiPlusBitmapFromBits(nullptr, 1, 1, 4, 4, 0, 0, &out),
         gdiPlusBitmapFromBits(bits, 2, 0, 4, 4, 0, 1, &out),
-        gdiPlusBitmapFromBits(bits, 0, 2, 4, 4, 0, 1, &out),
-        gdiPlusBitmapFromBits(bits, -2, 2, 4, 4, 0, 1, &out),
         gdiPlusBitmapFromBits(bits, 0x7FFFFFFF, 2, 4, 4, 0, 1, &out),
         gdiPlusBitmapFromBits(bits, 3, 1, 3, 3, 0, 0, &out), // rows of nine bytes
         gdiPlusBitmapFromBits(bits, 1, 1, 4, 4, 0, 1, nullptr),
@@ -302,9 +284,7 @@ TEST(GdiPlus, RefusesNullAndWhatCannotBeMade) {
         gdiPlusBitmapFromRamStruct(&wide, 0, 1, &out),
         gdiPlusGetBitmap24BPPRGB(1, 1, 4, 0, nullptr, &out),
         gdiPlusGetBitmap(1, 1, 4, 1, nullptr, &out),
-        gdiPlusGetBitmap(1, 1, -4, 1, bits, &out),
         gdiPlusGetBitmapEx(1, 1, 4, 4, 2, 0, nullptr, &out),
-        gdiPlusGetBitmapEx(1, 0, 4, 4, 2, 0, bits, &out),
         gdiPlusResizeBitmap(nullptr, 4, 4, &out),
         gdiPlusResizeBitmap(canvas.bitmap(), 0, 4, &out),
         gdiPlusSaveImage(nullptr, "a", 0),
