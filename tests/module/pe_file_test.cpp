@@ -1,96 +1,64 @@
-// What the built files export and import, read from the files themselves.
+// What the built files export and import, read from their headers.
+#include "module/handles.h"
+
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <fstream>
+#include <regex>
 #include <set>
 #include <string>
-#include <windows.h>
 
 namespace {
 
-// A loaded module's headers and tables.
-class Image {
-  public:
-    explicit Image(const char* name) : m_module(LoadLibraryExA(name, nullptr, DONT_RESOLVE_DLL_REFERENCES)) {}
-    ~Image() {
-        if (m_module) FreeLibrary(m_module);
-    }
-    Image(const Image&) = delete;
-    Image& operator=(const Image&) = delete;
+using Names = std::set<std::string>;
 
-    explicit operator bool() const { return m_module != nullptr; }
+// A module, laid out but not started.
+library laid_out(const char* name) {
+    return library(LoadLibraryExA(name, nullptr, DONT_RESOLVE_DLL_REFERENCES));
+}
 
-    std::set<std::string> exports() const {
-        std::set<std::string> names;
-        const auto* table = directory<IMAGE_EXPORT_DIRECTORY>(IMAGE_DIRECTORY_ENTRY_EXPORT);
-        const auto* rows = at<DWORD>(table->AddressOfNames);
-        for (DWORD i = 0; i < table->NumberOfNames; ++i)
-            names.insert(at<char>(rows[i]));
-        EXPECT_EQ(table->NumberOfNames, table->NumberOfFunctions) << "an export without a name";
-        return names;
-    }
-
-    std::set<std::string> imported_modules() const {
-        std::set<std::string> names;
-        for (const auto* row = directory<IMAGE_IMPORT_DESCRIPTOR>(IMAGE_DIRECTORY_ENTRY_IMPORT); row->Name;
-             ++row)
-            names.insert(_strlwr(std::string(at<char>(row->Name)).data()));
-        return names;
-    }
-
-  private:
-    template <class T>
-    const T* at(DWORD offset) const {
-        return reinterpret_cast<const T*>(reinterpret_cast<const char*>(m_module) + offset);
-    }
-    template <class T>
-    const T* directory(int entry) const {
-        const auto* dos = at<IMAGE_DOS_HEADER>(0);
-        const auto* nt = at<IMAGE_NT_HEADERS32>(static_cast<DWORD>(dos->e_lfanew));
-        return at<T>(nt->OptionalHeader.DataDirectory[entry].VirtualAddress);
-    }
-
-    HMODULE m_module;
-};
-
-std::set<std::string> names_of_definition_file() {
-    std::set<std::string> names;
-    std::ifstream in(BVUTIL_DEF_FILE);
-    bool exports = false;
-    for (std::string word, line; std::getline(in, line);) {
-        line.erase(line.find_last_not_of(" \t\r") + 1);
-        line.erase(0, line.find_first_not_of(" \t"));
-        if (line.empty() || line[0] == ';') continue;
-        if (!exports) {
-            exports = line == "EXPORTS";
-            continue;
-        }
-        if (line[0] == '"')
-            names.insert(line.substr(1, line.find('"', 1) - 1));
-        else
-            names.insert(line.substr(0, line.find_first_of(" \t=")));
-    }
-    return names;
+template <class T>
+const T* at(const library& module, DWORD offset) {
+    return reinterpret_cast<const T*>(reinterpret_cast<const char*>(module.get()) + offset);
+}
+template <class T>
+const T* directory(const library& module, int entry) {
+    const auto headers = static_cast<DWORD>(at<IMAGE_DOS_HEADER>(module, 0)->e_lfanew);
+    const auto& optional = at<IMAGE_NT_HEADERS32>(module, headers)->OptionalHeader;
+    return at<T>(module, optional.DataDirectory[entry].VirtualAddress);
 }
 
 TEST(PeFile, ExportsExactlyTheNamesOfTheDefinitionFile) {
-    const Image dll("BvUtil.dll");
-    ASSERT_TRUE(dll);
-    const auto expected = names_of_definition_file();
+    Names expected, exported;
+    std::ifstream in(BVUTIL_DEF_FILE);
+    bool begun = false;
+    std::smatch name;
+    for (std::string line; std::getline(in, line); begun = begun || line.starts_with("EXPORTS"))
+        if (begun && std::regex_search(line, name, std::regex("^\\s*\"?([^;\"= \t\r]+)")))
+            expected.insert(name[1]);
     ASSERT_GT(expected.size(), 2u);
-    EXPECT_EQ(dll.exports(), expected);
+
+    const library dll = laid_out("BvUtil.dll");
+    ASSERT_TRUE(dll);
+    const auto* table = directory<IMAGE_EXPORT_DIRECTORY>(dll, IMAGE_DIRECTORY_ENTRY_EXPORT);
+    for (DWORD i = 0; i < table->NumberOfNames; ++i)
+        exported.insert(at<char>(dll, at<DWORD>(dll, table->AddressOfNames)[i]));
+    EXPECT_EQ(table->NumberOfNames, table->NumberOfFunctions) << "an export without a name";
+    EXPECT_EQ(exported, expected);
 }
 
 TEST(PeFile, NeedsOnlyDllsThatWindowsShips) {
-    const std::set<std::string> shipped = {"advapi32.dll", "gdi32.dll",  "gdiplus.dll",  "kernel32.dll",
-                                           "msvcrt.dll",   "ole32.dll",  "oleaut32.dll", "shell32.dll",
-                                           "shlwapi.dll",  "user32.dll", "version.dll"};
-    for (const char* file : {"BvUtil.dll", "bvutil.exe", "BvCalc.dll"}) {
-        const Image image(file);
-        if (!image) continue; // not built
-        for (const std::string& name : image.imported_modules()) {
-            const bool own = std::strcmp(file, "bvutil.exe") == 0 && name == "bvutil.dll";
+    const Names shipped = {"advapi32.dll", "gdi32.dll",  "gdiplus.dll",  "kernel32.dll",
+                           "msvcrt.dll",   "ole32.dll",  "oleaut32.dll", "shell32.dll",
+                           "shlwapi.dll",  "user32.dll", "version.dll"};
+    for (const std::string file : {"BvUtil.dll", "bvutil.exe", "BvCalc.dll"}) {
+        const library module = laid_out(file.c_str());
+        if (!module) continue; // not built
+        const auto* row = directory<IMAGE_IMPORT_DESCRIPTOR>(module, IMAGE_DIRECTORY_ENTRY_IMPORT);
+        for (; row->Name; ++row) {
+            std::string name = at<char>(module, row->Name);
+            _strlwr(name.data());
+            const bool own = file == "bvutil.exe" && name == "bvutil.dll";
             EXPECT_TRUE(own || shipped.count(name)) << file << " needs " << name;
         }
     }

@@ -2,50 +2,38 @@
 // test programs that use it hold the same RESOURCE_LOCK.
 #pragma once
 
-#include <array>
-#include <windows.h>
+#include "module/handles.h"
 
 inline constexpr char calculator_class_key[] =
     "Software\\Classes\\CLSID\\{9BA593B7-2640-493B-AA8A-B3D9172337C1}";
 
 inline bool key_exists(HKEY root, const char* path) {
-    HKEY key = nullptr;
-    if (RegOpenKeyExA(root, path, 0, KEY_READ, &key) != ERROR_SUCCESS) return false;
-    RegCloseKey(key);
-    return true;
+    registry_key key;
+    return RegOpenKeyExA(root, path, 0, KEY_READ, key.put()) == ERROR_SUCCESS;
 }
 
 class HiddenCalculatorRegistration {
   public:
     HiddenCalculatorRegistration() {
-        for (std::size_t i = 0; i < roots.size(); ++i)
-            m_was_there[i] = move(roots[i], calculator_class_key, shelves[i]);
+        for (const HKEY root : {HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER})
+            move(root, calculator_class_key, shelf);
     }
     ~HiddenCalculatorRegistration() {
-        for (std::size_t i = 0; i < roots.size(); ++i) {
-            RegDeleteTreeA(roots[i], calculator_class_key);
-            if (m_was_there[i]) move(roots[i], shelves[i], calculator_class_key);
+        for (const HKEY root : {HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER}) {
+            RegDeleteTreeA(root, calculator_class_key);
+            move(root, shelf, calculator_class_key);
         }
     }
     HiddenCalculatorRegistration(const HiddenCalculatorRegistration&) = delete;
     HiddenCalculatorRegistration& operator=(const HiddenCalculatorRegistration&) = delete;
 
   private:
-    static inline const std::array<HKEY, 2> roots = {HKEY_LOCAL_MACHINE, HKEY_CURRENT_USER};
-    static constexpr std::array<const char*, 2> shelves = {"Software\\BvUtilTests\\Machine",
-                                                           "Software\\BvUtilTests\\User"};
+    static constexpr char shelf[] = "Software\\BvUtilTests\\Calculator";
 
-    static bool move(HKEY root, const char* from, const char* to) {
-        HKEY source = nullptr;
-        HKEY target = nullptr;
-        if (RegOpenKeyExA(root, from, 0, KEY_ALL_ACCESS, &source) != ERROR_SUCCESS) return false;
-        RegCreateKeyExA(root, to, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &target, nullptr);
-        const bool copied = RegCopyTreeA(source, nullptr, target) == ERROR_SUCCESS;
-        RegCloseKey(target);
-        RegCloseKey(source);
-        if (copied) RegDeleteTreeA(root, from);
-        return copied;
+    static void move(HKEY root, const char* from, const char* to) {
+        registry_key source, target;
+        if (RegOpenKeyExA(root, from, 0, KEY_ALL_ACCESS, source.put()) != ERROR_SUCCESS) return;
+        RegCreateKeyExA(root, to, 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, target.put(), nullptr);
+        if (RegCopyTreeA(source.get(), nullptr, target.get()) == ERROR_SUCCESS) RegDeleteTreeA(root, from);
     }
-
-    std::array<bool, 2> m_was_there{};
 };
