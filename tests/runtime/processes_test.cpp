@@ -18,6 +18,7 @@ TEST(Child, TellsWhatItSees) {
     char out[MAX_PATH] = "", awaited[MAX_PATH] = ".";
     if (!GetEnvironmentVariableA(out_variable, out, sizeof out)) return; // no child
     GetEnvironmentVariableA(wait_variable, awaited, sizeof awaited);
+    write_file(out, ""); // it has begun
     do
         Sleep(100);
     while (!std::filesystem::exists(awaited));
@@ -73,7 +74,9 @@ TEST_F(Processes, TakeTheMessagesOfTheWaitingThread) {
     ASSERT_NE(window, nullptr); // the thread has a queue now
     DWORD_PTR answered = 0;
     std::thread poster([&] {
-        Sleep(300);
+        while (!std::filesystem::exists(dir.file("out")))
+            Sleep(10);
+        Sleep(300); // the wait for it, too
         for (int i = 0; i < 3; ++i) {
             PostThreadMessageA(waiting, i == 1 ? WM_QUIT : WM_USER, 0, 0);
             Sleep(50);
