@@ -1,4 +1,5 @@
 // Typed profile values and drawing records: texts on disk against values in memory, in a comma locale.
+#include "bvutil/ini_file.h"
 #include "bvutil/mini.h"
 #include "bvutil/strings.h"
 #include "module/handles.h"
@@ -268,6 +269,7 @@ TEST_F(Mini, FailsToWriteWhatIsHeldOrGone) {
     for (const int result : {mini_write_string(h, "s", "k", "1"), mini_write_double(h, "s", "k", 1),
                              mini_write_fillstyle_ex(h, "s", "k", &fill)})
         EXPECT_EQ(result, -1);
+    EXPECT_FALSE(CBvIniFile::FileWriteInt(path, "s", "k", 1));
     holder.reset();
     EXPECT_EQ(read_file(path), file_with("kept"));
     std::filesystem::remove(path);
