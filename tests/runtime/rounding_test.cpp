@@ -1,16 +1,14 @@
 #include "runtime/rounding.h"
 
-#include <gtest/gtest.h>
+#include "tests/support/rows.h"
 
 #include <climits>
 #include <cmath>
 #include <limits>
-#include <string>
 
 namespace {
 
 constexpr double infinity = std::numeric_limits<double>::infinity();
-const double nan = std::numeric_limits<double>::quiet_NaN();
 
 TEST(Rounding, KnowsThePowersOfTen) {
     for (int power = -330; power <= 315; ++power)
@@ -20,33 +18,28 @@ TEST(Rounding, KnowsThePowersOfTen) {
 }
 
 TEST(Rounding, FollowsItsFormula) {
-    const struct {
-        double x;
-        int power;
-        double rounded;
-    } cases[] = {{2.5, 0, 3},
-                 {-2.5, 0, -2},
-                 {1.234567, -5, 123457 * 1e-5},
-                 {1250, 2, 1300},
-                 {-1250, 2, -1200},
-                 {49, 2, 0},
-                 {-1.5e-5, -5, -1e-5},
-                 {infinity, 3, infinity},
-                 {0.49999999999999994, 0, 1},    // the sum is rounded
-                 {1.234565, -5, 123456 * 1e-5}}; // the double lies just below the half
-    for (const auto& [x, power, rounded] : cases)
-        EXPECT_EQ(round_to_power(x, power), rounded) << x << " to " << power;
-    for (const double none : {round_to_power(nan, 0), round_to_power(5, 309), round_to_power(5, -324)})
-        EXPECT_TRUE(std::isnan(none));
+    const auto rounded = [](const std::string& row) { // number and power
+        char *power = nullptr, text[32];
+        const double number = std::strtod(row.c_str(), &power);
+        const double result = round_to_power(number, std::atoi(power));
+        std::snprintf(text, sizeof text, "%.17g", result);
+        return std::string(std::isnan(result) ? "nan" : text);
+    };
+    expect_rows(rounded, "2.5 0 -> 3", "-2.5 0 -> -2", "1250 2 -> 1300", "-1250 2 -> -1200", "49 2 -> 0",
+                "inf 3 -> inf", "1.234567 -5 -> 1.2345700000000002", "-1.5e-5 -5 -> -1.0000000000000001e-05",
+                "1.234565 -5 -> 1.2345600000000001", // the double lies just below the half
+                "0.49999999999999994 0 -> 1",        // the sum is rounded
+                "nan 0 -> nan", "5 309 -> nan", "5 -324 -> nan");
 }
 
 TEST(Rounding, CutsOffFractions) {
-    const std::pair<double, long> cases[] = {
-        {2.7, 2},          {-2.7, -2},           {2147483647.9, LONG_MAX},  {2147483648.0, LONG_MIN},
-        {1e300, LONG_MIN}, {nan, LONG_MIN},      {-2147483648.9, LONG_MIN}, {-2147483649.0, LONG_MIN},
-        {-0.9, 0},         {infinity, LONG_MIN}, {-infinity, LONG_MIN}};
-    for (const auto& [x, whole] : cases)
-        EXPECT_EQ(whole_part(x), whole) << x;
+    expect_rows(
+        [](const std::string& number) {
+            return std::to_string(whole_part(std::strtod(number.c_str(), nullptr)));
+        },
+        "2.7 -> 2", "-2.7 -> -2", "-0.9 -> 0", "2147483647.9 -> 2147483647", "2147483648 -> -2147483648",
+        "-2147483648.9 -> -2147483648", "-2147483649 -> -2147483648", "1e300 -> -2147483648",
+        "nan -> -2147483648", "inf -> -2147483648", "-inf -> -2147483648");
 }
 
 } // namespace
