@@ -139,7 +139,8 @@ bool FileSource::refill() {
 void FileSource::make_room(std::size_t more) {
     const std::size_t kept = static_cast<std::size_t>(m_end - m_kept);
     const std::size_t done = static_cast<std::size_t>(m_at - m_kept);
-    if (kept > 0) std::memmove(m_text.bytes.get(), m_kept, kept);
+    // A long token stays at the front over many pieces: not every runtime sees that nothing moves.
+    if (kept > 0 && m_kept != m_text.bytes.get()) std::memmove(m_text.bytes.get(), m_kept, kept);
     if (kept + more > m_text.size) m_text.grow(std::max(kept + more, 2 * m_text.size), kept);
     m_kept = m_text.bytes.get();
     m_at = m_kept + done;
