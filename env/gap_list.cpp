@@ -5,10 +5,12 @@
 namespace env {
 
 std::size_t GapList::find_near(const Element* element) const {
-    // Walks ask for one element after the other, and a deletion for the one just found.
-    const std::size_t end = std::min(m_asked_for + 2, size());
-    for (std::size_t i = m_asked_for - (m_asked_for > 0); i < end; ++i)
-        if (at(i) == element) return i;
+    // Walks find one element after the other, whatever is asked for meanwhile; a deletion the one asked for.
+    for (const std::size_t near : {m_found, m_asked_for}) {
+        const std::size_t end = std::min(near + 2, size());
+        for (std::size_t i = near - (near > 0); i < end; ++i)
+            if (at(i) == element) return i;
+    }
     return !empty() && at(size() - 1) == element ? size() - 1 : size();
 }
 
@@ -21,7 +23,7 @@ std::size_t GapList::find(const Element* element) const {
             found = std::find(gap + static_cast<std::ptrdiff_t>(m_gap_size), m_items.end(), element);
         i = static_cast<std::size_t>(found - begin) - (found < gap ? 0 : m_gap_size);
     }
-    m_asked_for = i;
+    m_found = i;
     return i;
 }
 

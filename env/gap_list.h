@@ -15,8 +15,8 @@ class GapList {
     bool empty() const { return size() == 0; }
     Element* at(std::size_t i) const { return m_items[i < m_gap ? i : i + m_gap_size]; }
 
-    // Where an element is, which must be there. It is found at once at the end and next to
-    // the one asked for last.
+    // Where an element is, which must be there. It is found at once at the end and next to the one found or
+    // asked for last.
     std::size_t find(const Element* element) const;
     bool is_near(const Element* element) const { return find_near(element) < size(); }
     // The element at a position becomes the one asked for last.
@@ -37,6 +37,7 @@ class GapList {
     std::size_t m_gap = 0;
     std::size_t m_gap_size = 0;
     mutable std::size_t m_asked_for = 0;
+    mutable std::size_t m_found = 0;
 };
 
 } // namespace env
