@@ -42,6 +42,7 @@ void Delimiter::set(std::string_view text) {
     std::memmove(m_text, text.data(), m_length);
     m_text[m_length] = '\0';
     m_is_ascii = is_ascii({m_text, m_length});
+    m_has_digit = std::strpbrk(m_text, "0123456789") != nullptr;
 }
 
 std::string_view Delimiter::joint() const {
@@ -87,7 +88,7 @@ const char* Delimiter::find_wide(std::string_view text) const {
 bool Delimiter::keeps(const char* name) const {
     unsigned bits = 0;
     const char* const end = find(name, bits);
-    return end > name && !*end && !is_wide(bits < 0x80);
+    return end > name && !*end && !is_wide(bits < 0x80) && !m_has_digit;
 }
 
 std::size_t Delimiter::find_last_joint(std::string_view text) const {

@@ -27,7 +27,7 @@ class Delimiter {
     const char* find(const char* text, unsigned& bits) const;
     // The same for a wide text, else its end.
     const char* find_wide(std::string_view text) const;
-    // Whether a component that is this name, with an occurrence number behind it, is read back as the same.
+    // Whether a component that is this name, with any occurrence number behind it, is read back as the same.
     bool keeps(const char* name) const;
     // Position of the last joint; npos when there is none.
     std::size_t find_last_joint(std::string_view text) const;
@@ -36,6 +36,7 @@ class Delimiter {
     char m_text[capacity] = "@";
     std::size_t m_length = 1;
     bool m_is_ascii = true;
+    bool m_has_digit = false;
 };
 
 Delimiter& delimiter();
