@@ -79,7 +79,7 @@ class LeafWalk {
             if (!m_levels.back().walk->next())
                 m_levels.pop_back();
             else if (!visit_here())
-                return false;
+                return pass_over_rest();
         }
         return true;
     }
@@ -89,6 +89,15 @@ class LeafWalk {
         std::unique_ptr<BlockWalk> walk;
         std::size_t prefix; // length of the path of the block that it walks over
     };
+
+    // The walks go on all the same, and each element is opened and closed: one that its path does not lead to
+    // is reported. The result is false.
+    bool pass_over_rest() {
+        for (; !m_levels.empty(); m_levels.pop_back())
+            while (m_levels.back().walk->next()) {
+            }
+        return false;
+    }
 
     bool descend(const Address& block) {
         m_levels.push_back({std::make_unique<BlockWalk>(block, true), m_path.size()});
