@@ -62,7 +62,8 @@ double converted(std::string_view text) {
     const bool negative = !text.empty() && text.front() == '-';
     if (negative || (!text.empty() && text.front() == '+')) text.remove_prefix(1);
     // from_chars also knows signs, "inf" and "nan"; the runtime's conversion does not.
-    if (text.empty() || !(is_digit(text.front()) || text.front() == '.')) return 0;
+    const std::size_t first_digit = !text.empty() && text.front() == '.' ? 1 : 0;
+    if (text.size() <= first_digit || !is_digit(text[first_digit])) return 0;
 
     double value;
     if (const std::size_t mark = find_d_exponent(text); mark != std::string_view::npos) {
