@@ -55,12 +55,12 @@ std::optional<std::string> search_in_list(std::string_view directories, const ch
 
 std::string find_main_configuration() {
     constexpr std::uint16_t first_number = 9;
-    const std::string here = current_directory() + '\\';
-    const std::string mb = mb_directory();
-    // Kept: the number wraps from 0 to 65535, so that the search ends only when a file exists.
+    // Kept: the number wraps from 0 to 65535, so that the search ends only when a file exists. What
+    // directories there are may change meanwhile, too.
     for (std::uint16_t number = first_number;; --number) {
         const std::string name = "mb" + (number ? std::to_string(number) : "") + ".ini";
-        if (std::string path = here + name; exists(path)) return path;
+        if (std::string path = current_directory() + '\\' + name; exists(path)) return path;
+        const std::string mb = mb_directory();
         if (std::string path = path_in(mb, name); !mb.empty() && exists(path)) return path;
         if (std::string path = "C:\\" + name; exists(path)) return path;
     }
