@@ -1,7 +1,6 @@
 // Opening plug-in files through the exports: which property lists are taken, and what is left after failures.
 #include "bvutil/filter_host.h"
 #include "tests/filterhost/plugin_files.h"
-#include "tests/support/resources.h"
 
 namespace {
 
@@ -103,21 +102,6 @@ TEST_F(OpenFilter, SurvivesDamagedFiles) {
             try_with(std::string(whole).replace(at, 1, 1, wrong), at);
     AVFreeGotPSFilter(&filter);
     EXPECT_EQ(GetModuleHandleA(damaged.c_str()), nullptr);
-}
-
-TEST_F(OpenFilter, LeaksNothing) {
-    const std::string bad =
-        list({category("overwritten"), category("A"), name("overwritten"), name("1"), version(9, 0), entry});
-    write_file(files.file("text.8bf"), "no library");
-    for (const std::string& path : {files.make(complete_list()), files.make(bad), files.file("text.8bf")}) {
-        SCOPED_TRACE(path);
-        const auto times_opened = [&](int times) {
-            for (int i = 0; i < times; ++i)
-                open(path), AVFreeGotPSFilter(&filter);
-        };
-        expect_nothing_kept(times_opened, 1000);
-        EXPECT_EQ(GetModuleHandleA(path.c_str()), nullptr);
-    }
 }
 
 } // namespace

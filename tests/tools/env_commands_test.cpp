@@ -42,14 +42,9 @@ TEST_F(EnvCommands, ReadAndReport) {
            {
                {"show b.env", 0, "b.env\n" + whole},
                {"show --text b.env", 0, "...[view]\n  scale =100\n  layers ={\n"},
-               {"get a.env view scale --as long", 0, "100\n"},
-               {"get a.env view layers@name@2", 0, "roofs\n"},
                {"get a.env view name@2 --deep", 0, "roofs\n"},
-               {"get a.env view pens --as doubles", 0, "0.5\n1\n"},
                {"get a.env view layers", 0,
                 "[view] layers\n├── name@1 = walls\n├── name@2 = roofs\n└── none (empty block)\n"},
-               {"get a.env view unit --fallback site.env --which", 0, "site.env: mm\n"},
-               {"get a.env view scale --fallback site.env --which", 0, "a.env: 100\n"},
                {"get a.env print --fallback site.env", 0, "[print]\n├── paper = A4\n└── a@b = odd\n"},
                {"get site.env print a@b --delimiter /", 0, "odd\n"},
                {"list site.env", 0, "view\nprint\n"},
@@ -59,7 +54,6 @@ TEST_F(EnvCommands, ReadAndReport) {
                {"show a.env --fallback low.env --fallback site.env --which", 0, "a.env\n" + layered},
                {"show empty.env --fallback site.env --which --json", 0,
                 "{\"file\":\"empty.env\"" + site_json(",\"file\":\"site.env\"")},
-               {"get a.env view pens --as doubles --json", 0, "...,\"path\":\"pens\",\"value\":[0.5,1]}\n"},
                {"get a.env view layers --fallback site.env --json", 0,
                 "{" + layers_json +
                     "\"elements\":[{\"name\":\"name\",\"occurrence\":1,\"value\":\"walls\"},"
