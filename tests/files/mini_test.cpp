@@ -139,6 +139,7 @@ TEST_F(Mini, ReadsListsOfNumbers) {
         };
     };
     expect_rows(read_into(2), "1,2,3 -> 0|2|1|2", "1,2, -> 0|2|1|2");
+    expect_rows(read_into(1), "1,x -> 0|1|1");
     expect_rows(read_into(0), "1,2 -> -1|0");
     expect_rows(read_into(-1), "1,2 -> -1|-1");
     expect_rows(read_into(9), "1;2x3-4 5 -> 0|5|1|2|3|4|5", "1,2, -> -1|9|1|2", "1,,3 -> -1|9|1", " -> -1|9",
@@ -205,7 +206,7 @@ TEST_F(Mini, RecordsAreListsOfNumbers) {
     expect_rows(written_again(mini_read_texprops, mini_write_texprops),
                 "0.0001,1,2,3.5,4,5,6,7,8.5,-0.0001,0.00009,9.5,10.5 -> "
                 "1,1,2,3.500000,4,5,6.000000,7.000000,8.500000,1,0,9.500000,10.500000",
-                "7,1 -> 1,1,0,0,0,0,0,0,0,0,0,0,0", " -> -");
+                "7,1 -> 1,1,0,0,0,0,0,0,0,0,0,0,0", "0.00009 -> 0,0,0,0,0,0,0,0,0,0,0,0,0", " -> -");
 }
 
 TEST_F(Mini, ExtendedFillStylesHaveAGuidKey) {

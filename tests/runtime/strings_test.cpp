@@ -107,7 +107,7 @@ TEST(Search, FindsCharactersAndTexts) {
         return std::to_string(BvUtil_StrIPos(fields[0].c_str(), fields[1].c_str()));
     };
     expect_rows(character, "babcb -> 1", "Babc -> -1");
-    expect_rows(text, "aabaabaaac|aabaaa -> 3", "abc|C -> -1", "abc|abcd -> -1", "| -> 0");
+    expect_rows(text, "aabaabaaac|aabaaa -> 3", "abc|ab -> 0", "abc|C -> -1", "abc|abcd -> -1", "| -> 0");
     for (const int missing : {BvUtil_StrIChr("abc", '\0'), BvUtil_StrIChr(nullptr, 'a'),
                               BvUtil_StrIPos(nullptr, "a"), BvUtil_StrIPos("a", nullptr)})
         EXPECT_EQ(missing, -1);
