@@ -12,6 +12,7 @@ run_one() {
     case $name in
     store-native) amount="$BVUTIL_OPERATIONS operations" command=(build/core-asan/tests/env_core_tests --gtest_filter='RandomOperations.*') ;;
     store-dll) amount="$BVUTIL_OPERATIONS operations" command=(cmake/run-wine.sh build/dll/tests/env_tests.exe --gtest_filter='RandomOperations.*') ;;
+    profiles) amount="$BVUTIL_OPERATIONS operations" command=(cmake/run-wine.sh build/dll/tests/files_tests.exe --gtest_filter='RandomProfile.*') ;;
     *) amount= command=(fuzz/run.sh $((60 * minutes)) "$name") ;;
     esac
     BVUTIL_SEED=1 "${command[@]}" >"$logs/$name.log" 2>&1 || outcome="FAILED: $logs/$name.log"
@@ -23,7 +24,7 @@ export -f run_one
 
 rm -f $logs/*.row
 if [ $# -eq 0 ]; then
-    set -- store-native store-dll $(sed -n 's/^bvutil_fuzz(\([a-z0-9_]*\) .*/\1/p' fuzz/CMakeLists.txt)
+    set -- store-native store-dll profiles $(sed -n 's/^bvutil_fuzz(\([a-z0-9_]*\) .*/\1/p' fuzz/CMakeLists.txt)
 fi
 failed=0
 printf '%s\n' "$@" | xargs -P 2 -I{} bash -c 'run_one {}' >/dev/null || failed=1
