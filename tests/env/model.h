@@ -6,9 +6,10 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <deque>
+#include <cstdlib>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -18,6 +19,7 @@ namespace model {
 struct Node;
 using NodePtr = std::shared_ptr<Node>;
 using Nodes = std::vector<NodePtr>;
+using Text = const char*; // may be null
 
 struct Node {
     std::string name;
@@ -25,18 +27,46 @@ struct Node {
     std::string text;
     long value = 0;
     Nodes children;
+    Node* parent = nullptr;
 
+    ~Node() { become(kind); }
     void become(EnvStatus new_kind, const std::string& new_text = "", long new_value = 0) {
         kind = new_kind;
         text = new_text;
         value = new_value;
+        for (const NodePtr& child : children)
+            child->parent = nullptr;
         children.clear();
     }
+    std::ptrdiff_t place_of(const Node* child) const {
+        return std::find_if(children.begin(), children.end(),
+                            [&](const NodePtr& node) { return node.get() == child; }) -
+               children.begin();
+    }
+    NodePtr insert(std::ptrdiff_t place, const std::string& child, EnvStatus child_kind) {
+        const auto node = *children.insert(children.begin() + place, std::make_shared<Node>());
+        node->name = child;
+        node->kind = child_kind;
+        node->parent = this;
+        return node;
+    }
     NodePtr add(const std::string& child, EnvStatus child_kind = ENV_IS_BLOCK) {
-        children.push_back(std::make_shared<Node>());
-        children.back()->name = child;
-        children.back()->kind = child_kind;
-        return children.back();
+        return insert(static_cast<std::ptrdiff_t>(children.size()), child, child_kind);
+    }
+    NodePtr nth_named(const std::string& child, long n) const {
+        for (const NodePtr& node : children)
+            if (node->name == child && --n == 0) return node;
+        return nullptr;
+    }
+    long count_named(const std::string& child) const {
+        return std::count_if(children.begin(), children.end(),
+                             [&](const NodePtr& node) { return node->name == child; });
+    }
+    std::size_t size() const {
+        std::size_t size = 1;
+        for (const NodePtr& child : children)
+            size += child->size();
+        return size;
     }
 };
 
@@ -45,18 +75,15 @@ struct Step {
     long occurrence = 1;
 };
 
-// The delimiter is "@", and numbers are short.
-inline std::vector<Step> split(const std::string& path) {
+// Of what stands between the separators.
+inline std::vector<Step> steps_of(const std::vector<std::string>& parts) {
     std::vector<Step> steps;
     bool may_be_number = false;
-    for (std::size_t at = 0; at < path.size();) {
-        const std::size_t end = std::min(path.find('@', at), path.size());
-        const std::string part = path.substr(at, end - at);
-        at = end + 1;
+    for (const std::string& part : parts) {
         if (part.empty()) continue;
         const bool number = may_be_number && part.find_first_not_of("0123456789") == std::string::npos;
         if (number)
-            steps.back().occurrence = std::stol(part);
+            steps.back().occurrence = std::strtol(part.c_str(), nullptr, 10);
         else
             steps.push_back({part});
         may_be_number = !number;
@@ -64,38 +91,31 @@ inline std::vector<Step> split(const std::string& path) {
     return steps;
 }
 
-inline NodePtr nth_named(const Nodes& nodes, const std::string& name, long n) {
-    for (const NodePtr& node : nodes)
-        if (node->name == name && --n == 0) return node;
-    return nullptr;
-}
-
-inline long count_named(const Nodes& nodes, const std::string& name) {
-    return static_cast<long>(
-        std::count_if(nodes.begin(), nodes.end(), [&](const NodePtr& node) { return node->name == name; }));
+// The delimiter is "@".
+inline std::vector<Step> split(const std::string& path) {
+    std::vector<std::string> parts(1);
+    for (const char c : path)
+        if (c == '@')
+            parts.emplace_back();
+        else
+            parts.back() += c;
+    return steps_of(parts);
 }
 
 inline NodePtr exact_step(const Node& from, const Step& step) {
-    if (step.occurrence >= 1) return nth_named(from.children, step.name, step.occurrence);
+    if (step.occurrence >= 1) return from.nth_named(step.name, step.occurrence);
     return from.children.empty() ? nullptr : from.children.front();
 }
 
 inline NodePtr deep_step(const Node& from, const Step& step) {
-    std::deque<const Node*> queue{&from};
-    while (!queue.empty()) {
-        const Node& list = *queue.front();
-        queue.pop_front();
-        long n = step.occurrence;
-        for (const NodePtr& node : list.children)
-            if (node->name != step.name)
-                queue.push_back(node.get());
-            else if (--n == 0)
-                return node;
+    std::vector<const Node*> queue{&from};
+    for (std::size_t i = 0; i < queue.size(); ++i) {
+        if (NodePtr found = queue[i]->nth_named(step.name, step.occurrence)) return found;
+        for (const Node* list = queue[i]; const NodePtr& node : list->children)
+            if (node->name != step.name) queue.push_back(node.get());
     }
     return nullptr;
 }
-
-using Text = const char*; // may be null
 
 struct Lookup {
     EnvStatus status;
@@ -103,12 +123,8 @@ struct Lookup {
     long tag = 0;
 };
 
-struct Leaf {
-    Text section; // null, or the name of a section that lives as long as the walk's result is used
-    std::string path;
-    bool has_path;
-    NodePtr node;
-};
+// What a walk hands out: section and path, and what they lead to or null.
+using Visit = std::function<void(Text, Text, const NodePtr&)>;
 
 // An environment: what its sections are, or what a sub-environment stands on.
 struct Handle {
@@ -118,9 +134,11 @@ struct Handle {
     long tag = 0;
     const Handle* fallback = nullptr;
 
+    NodePtr start(Text section) const { return is_sub ? stand.lock() : top->nth_named(section, 1); }
+
     Lookup find(Text section, Text path, bool exact) const {
         if (!is_sub && !section) return {ENV_INVALID, nullptr};
-        NodePtr node = is_sub ? stand.lock() : nth_named(top->children, section, 1);
+        NodePtr node = start(section);
         if (!node) return {ENV_NOT_FOUND, nullptr};
         if (!path) return {node->kind, node};
         const std::vector<Step> steps = split(path);
@@ -158,12 +176,12 @@ struct Handle {
     long count_path(Text section, const std::string& path, bool exact) const {
         const Lookup found = find(section, path.c_str(), exact);
         if (!found.node) return found.status == ENV_NOT_FOUND ? 0 : found.status;
-        return count_named(*place(found.node).first, path.substr(path.rfind('@') + 1));
+        return found.node->parent->count_named(path.substr(path.rfind('@') + 1));
     }
 
     EnvStatus put(Text section, Text path, const std::string* text, long value) const {
         if (!is_sub && !section) return ENV_INVALID;
-        NodePtr node = is_sub ? stand.lock() : nth_named(top->children, section, 1);
+        NodePtr node = start(section);
         if (!node && is_sub) return ENV_INVALID;
         if (!node) node = top->add(section);
         if (!is_sub && !path) return ENV_OK;
@@ -179,7 +197,7 @@ struct Handle {
             return ENV_NOT_FOUND;
         for (; step != steps.end(); ++step) {
             if (node->kind != ENV_IS_BLOCK) node->become(ENV_IS_BLOCK);
-            while (count_named(node->children, step->name) + 1 < step->occurrence)
+            while (node->count_named(step->name) + 1 < step->occurrence)
                 node->add(step->name, ENV_IS_DATA);
             node = node->add(step->name);
         }
@@ -191,8 +209,8 @@ struct Handle {
         if (is_sub && !path) return ENV_INVALID;
         const Lookup found = find(section, path, true);
         if (!found.node) return found.status;
-        const auto [list, at] = place(found.node);
-        list->erase(list->begin() + at);
+        Node& parent = *std::exchange(found.node->parent, nullptr);
+        parent.children.erase(parent.children.begin() + parent.place_of(found.node.get()));
         return ENV_OK;
     }
 
@@ -201,11 +219,9 @@ struct Handle {
         const Lookup found = find(section, path, true);
         if (whole_section && found.status == ENV_NOT_FOUND && !top->children.empty()) return ENV_OK;
         if (!found.node) return found.status;
-        const auto [list, at] = place(found.node);
-        const auto node = std::make_shared<Node>();
-        node->name = name;
-        node->kind = whole_section ? ENV_IS_BLOCK : ENV_IS_EXTERNAL;
-        list->insert(list->begin() + at, node);
+        Node& parent = *found.node->parent;
+        parent.insert(parent.place_of(found.node.get()), name,
+                      whole_section ? ENV_IS_BLOCK : ENV_IS_EXTERNAL);
         return ENV_OK;
     }
 
@@ -218,66 +234,84 @@ struct Handle {
         return find(section, path, true).node;
     }
 
-    // visit(section argument, path argument or null, what they lead to or null)
-    using Visit = std::function<void(Text, Text, NodePtr)>;
+    bool holds(const Node* node) const {
+        while (node->parent)
+            node = node->parent;
+        return node == top.get();
+    }
+
     EnvStatus traverse(Text section, Text path, bool exact, const Visit& visit) const {
         const auto [status, children] = list(section, path, exact);
         if (status == ENV_BAD_PATH || status == ENV_INVALID) return status;
         if (children.empty()) return ENV_IS_BLOCK;
-        for (std::size_t i = 0; i < children.size(); ++i) {
-            const std::string& name = children[i]->name;
+        NodePtr here = children.front();
+        while (here && holds(here.get())) {
+            const auto own = [&](const NodePtr& other) { return other->name == here->name; };
+            const auto behind = [&] {
+                const auto place = static_cast<std::size_t>(here->parent->place_of(here.get())) + 1;
+                return place < here->parent->children.size() ? here->parent->children[place] : nullptr;
+            };
+            const NodePtr next = behind();
             if (!is_sub && !section) {
-                visit(name.c_str(), nullptr, find(name.c_str(), nullptr, exact).node);
-                continue;
+                visit(here->name.c_str(), nullptr, start(here->name.c_str()));
+            } else {
+                const auto first = here->parent->children.begin();
+                const auto k =
+                    std::count_if(first, std::find(first, here->parent->children.end(), here), own);
+                const std::string full =
+                    (path ? std::string(path) + "@" : "") + here->name + "@" + std::to_string(k + 1);
+                visit(section, full.c_str(), find(section, full.c_str(), exact).node);
             }
-            const auto k =
-                std::count_if(children.begin(), children.begin() + static_cast<std::ptrdiff_t>(i) + 1,
-                              [&](const NodePtr& node) { return node->name == name; });
-            const std::string here =
-                (path ? std::string(path) + "@" : std::string()) + name + "@" + std::to_string(k);
-            visit(section, here.c_str(), find(section, here.c_str(), exact).node);
+            // One that was deleted leads on to the one that stood behind it, if that is still there.
+            here = holds(here.get()) ? behind() : next;
         }
         return ENV_OK;
     }
 
     // False when it ended early: a name may hold the delimiter, and then its path leads nowhere.
-    bool leafs(std::vector<Leaf>& out, Text section = nullptr, const std::string& prefix = "") const {
+    bool leafs(const Visit& visit, Text section = nullptr, const std::string& prefix = "") const {
         bool whole = true;
-        const EnvStatus status =
-            traverse(is_sub ? section : nullptr, nullptr, true, [&](Text s, Text p, NodePtr node) {
-                const std::string path = prefix.empty() || !p ? std::string(p ? p : "") : prefix + "@" + p;
-                if (!whole || !node)
-                    whole = false;
-                else if (node->kind != ENV_IS_BLOCK)
-                    out.push_back({s, path, p != nullptr, node});
-                else if (!node->children.empty())
-                    whole = on(node).leafs(out, s, path);
-            });
-        return whole && status == ENV_OK;
+        const auto step = [&](Text s, Text p, const NodePtr& node) {
+            const std::string path = prefix.empty() || !p ? std::string(p ? p : "") : prefix + "@" + p;
+            if (!whole || !node)
+                whole = false;
+            else if (node->kind != ENV_IS_BLOCK)
+                visit(s, p ? path.c_str() : nullptr, node);
+            else if (!node->children.empty())
+                whole = on(node).leafs(visit, s, path);
+        };
+        return traverse(is_sub ? section : nullptr, nullptr, true, step) == ENV_OK && whole;
     }
 
-    bool copy_leaf(const Leaf& leaf, const std::string& text, bool external, int mode) const {
-        const Text path = leaf.has_path ? leaf.path.c_str() : nullptr;
+    // Null text for an external.
+    struct Leaf {
+        std::optional<std::string> section, path, text;
+        static std::optional<std::string> kept(Text text) {
+            return text ? std::optional<std::string>(text) : std::nullopt;
+        }
+    };
+
+    bool copy_leaf(const Leaf& leaf, int mode) const {
+        const Text section = leaf.section ? leaf.section->c_str() : nullptr;
+        const Text path = leaf.path ? leaf.path->c_str() : nullptr;
         const auto copy = [&](Text to) {
-            return external || (text.size() < 255 && put(leaf.section, to, &text, 0) == ENV_OK);
+            return !leaf.text || (leaf.text->size() < 255 && put(section, to, &*leaf.text, 0) == ENV_OK);
         };
         if (mode == 2 || (mode == 1 && !path)) return copy(path);
-        if (mode != 1) return (check(leaf.section, path, true) != ENV_NOT_FOUND) == (mode == 0) || copy(path);
-        const std::string cut = leaf.path.substr(0, leaf.path.rfind('@'));
-        return copy((cut + "@" + std::to_string(count_path(leaf.section, cut, true) + 1)).c_str());
+        if (mode != 1) return (check(section, path, true) != ENV_NOT_FOUND) == (mode == 0) || copy(path);
+        const std::string cut = leaf.path->substr(0, leaf.path->rfind('@'));
+        return copy((cut + "@" + std::to_string(count_path(section, cut, true) + 1)).c_str());
     }
 
     EnvStatus sink(const Handle& src, int mode) const {
-        std::vector<Leaf> leaves;
-        const bool whole = src.leafs(leaves);
+        std::vector<Leaf> leaves; // as they were before the first copy
+        const bool whole = src.leafs([&](Text section, Text path, const NodePtr& node) {
+            leaves.push_back({Leaf::kept(section), Leaf::kept(path),
+                              Leaf::kept(node->kind == ENV_IS_DATA ? node->text.c_str() : nullptr)});
+        });
         if (!whole && src.top == top) return ENV_INVALID; // within a tree the leaves are gathered first
-        std::vector<Node> values;                         // as they were before the first copy
-        for (const Leaf& leaf : leaves)
-            values.push_back({"", leaf.node->kind, leaf.node->text, 0, {}});
-        for (std::size_t i = 0; i < leaves.size(); ++i)
-            if (!copy_leaf(leaves[i], values[i].text, values[i].kind == ENV_IS_EXTERNAL, mode))
-                return ENV_INVALID;
-        return whole ? ENV_OK : ENV_INVALID;
+        const auto copied = [&](const Leaf& leaf) { return copy_leaf(leaf, mode); };
+        return std::all_of(leaves.begin(), leaves.end(), copied) && whole ? ENV_OK : ENV_INVALID;
     }
 
     EnvStatus copy_block(const Handle& src, Text section, Text path, int mode) const {
@@ -286,31 +320,16 @@ struct Handle {
         const NodePtr destination = create(section, path);
         return destination ? on(destination).sink(src.on(source.node), mode) : ENV_INVALID;
     }
-
-    // The list that holds a node, and its place there.
-    std::pair<Nodes*, std::ptrdiff_t> place(const NodePtr& node) const { return place(node, *top); }
-    static std::pair<Nodes*, std::ptrdiff_t> place(const NodePtr& node, Node& below) {
-        const auto found = std::find(below.children.begin(), below.children.end(), node);
-        if (found != below.children.end()) return {&below.children, found - below.children.begin()};
-        for (const NodePtr& child : below.children)
-            if (const auto deeper = place(node, *child); deeper.first) return deeper;
-        return {nullptr, 0};
-    }
 };
 
-inline std::size_t size_of(const Node& node) {
-    std::size_t size = 1;
-    for (const NodePtr& child : node.children)
-        size += size_of(*child);
-    return size;
-}
-
-// A copy as it comes back from a file.
-inline NodePtr persistent(const Node& node) {
-    const auto copy = std::make_shared<Node>(Node{node.name, node.kind, node.text, node.value, {}});
-    for (const NodePtr& child : node.children)
-        if (child->kind != ENV_IS_EXTERNAL) copy->children.push_back(persistent(*child));
-    return copy;
+// What comes back from a file.
+inline void copy_persistent(const Nodes& from, Node& to) {
+    for (const NodePtr& node : from)
+        if (node->kind != ENV_IS_EXTERNAL) {
+            const NodePtr copy = to.add(node->name, node->kind);
+            copy->text = node->text;
+            copy_persistent(node->children, *copy);
+        }
 }
 
 inline void write_line(std::string& out, const std::string& text, std::size_t level) {
@@ -322,7 +341,7 @@ inline void write_line(std::string& out, const std::string& text, std::size_t le
     out += '\n';
 }
 
-inline void write(std::string& out, const Nodes& nodes, std::size_t level) {
+inline void write(std::string& out, const Nodes& nodes, std::size_t level = 1) {
     for (const NodePtr& node : nodes) {
         if (node->kind == ENV_IS_EXTERNAL) continue;
         const bool data = node->kind == ENV_IS_DATA;

@@ -1,12 +1,15 @@
 // Random operations on the store and on a model of it: their answers are compared after each one, the whole
 // trees now and then.
-#include "tests/env/random_texts.h"
+#include "tests/env/model.h"
+#include "tests/env/store.h"
 #include "tests/support/random_runs.h"
 #ifndef _WIN32
 #include "tests/env/store_check.h"
 #endif
 
 #include <array>
+#include <cstring>
+#include <functional>
 #include <optional>
 #include <random>
 #include <set>
@@ -15,7 +18,42 @@ namespace {
 
 using model::Node;
 using model::NodePtr;
+using model::Nodes;
 using model::Text;
+
+std::string described(EnvStatus kind, const std::string& text, long value) {
+    return std::to_string(kind) + (kind == ENV_IS_DATA ? text : std::to_string(value)) + ";";
+}
+std::string described(const NodePtr& node) {
+    if (!node) return "nothing;";
+    return described(node->kind, node->text, node->kind == ENV_IS_EXTERNAL ? node->value : 0);
+}
+// What a sub-environment stands on.
+std::string described(EnvHandle sub) {
+    const char* text = "";
+    long value = 0;
+    if (!sub) return "nothing;";
+    const EnvStatus kind = env_get_core(sub, nullptr, nullptr, 1, 0, nullptr, nullptr, &text, &value);
+    return kind == ENV_NOT_FOUND ? "nothing;" : described(kind, text, value);
+}
+
+// Everything below, in order, as the names lead to it: of sections with one name, to the first.
+void dump(const model::Handle& env, std::string& out) {
+    env.traverse(nullptr, nullptr, true, [&](Text section, Text path, const NodePtr& node) {
+        out.append(path ? path : section).append(described(node));
+        if (node) dump(env.on(node), out);
+        out += "/";
+    });
+}
+void BVUTIL_CALL dump_visit(EnvHandle sub, Text section, Text path, void* out) {
+    static_cast<std::string*>(out)->append(path ? path : section).append(described(sub));
+    env_traverse(sub, nullptr, nullptr, 1, dump_visit, out);
+    *static_cast<std::string*>(out) += "/";
+}
+
+bool is_kind(EnvStatus status) {
+    return status == ENV_IS_DATA || status == ENV_IS_BLOCK || status == ENV_IS_EXTERNAL;
+}
 
 // Three layers, one on the other, and sub-environments on them.
 class Runner {
@@ -24,9 +62,7 @@ class Runner {
         for (std::size_t i = 0; i < layers; ++i) {
             const long tag = static_cast<long>(10 * i);
             m_handles[i] = env_open(tag, i ? m_handles[i - 1] : nullptr);
-            m_models[i].top = std::make_shared<Node>();
-            m_models[i].tag = tag;
-            m_models[i].fallback = i ? &m_models[i - 1] : nullptr;
+            m_models[i] = {std::make_shared<Node>(), false, {}, tag, i ? &m_models[i - 1] : nullptr};
         }
     }
     ~Runner() {
@@ -44,39 +80,56 @@ class Runner {
 
     // One operation; false when store and model disagree.
     bool step() {
-        using Operation = void (Runner::*)();
-        constexpr Operation operations[] = {
-            &Runner::put,    &Runner::put,      &Runner::put,    &Runner::put_core, &Runner::remove,
-            &Runner::remove, &Runner::insert,   &Runner::insert, &Runner::read,     &Runner::read,
-            &Runner::count,  &Runner::position, &Runner::begin,  &Runner::next,     &Runner::list,
-            &Runner::open,   &Runner::open,     &Runner::arrays, &Runner::traverse, &Runner::leafs,
-            &Runner::copy,
+        constexpr struct {
+            const char* name;
+            void (Runner::*run)();
+            std::size_t often;
+        } operations[] = {
+            {"put", &Runner::put, 3},           {"put_core", &Runner::put_core, 1},
+            {"delete", &Runner::remove, 2},     {"insert", &Runner::insert, 2},
+            {"get", &Runner::read, 2},          {"count", &Runner::count, 1},
+            {"pos", &Runner::position, 1},      {"first", &Runner::begin, 1},
+            {"next", &Runner::next, 1},         {"open", &Runner::open, 2},
+            {"copy", &Runner::copy, 1},         {"leafs", &Runner::leafs, 1},
+            {"traverse", &Runner::traverse, 1},
         };
         do
             m_which = below(all);
         while (!m_handles[m_which]);
-        choose_place();
-        (this->*operations[below(std::size(operations))])();
+        m_env = m_handles[m_which];
+        m_model = &m_models[m_which];
+        m_place = random_place(m_which);
+        m_section = m_place.section();
+        m_path = m_place.path();
+        m_exact = below(4) != 0;
+        std::size_t chosen = below(19);
+        const auto* operation = operations;
+        for (; chosen >= operation->often; ++operation)
+            chosen -= operation->often;
+        m_last = operation->name;
+        (this->*operation->run)();
         if (below(200) == 0) write_and_read();
         if (below(16) == 0) compare_trees();
         return !testing::Test::HasFailure();
     }
 
     std::string last() const {
-        return m_last + " on " + std::to_string(m_which) + " at " +
-               (m_place.section() ? m_place.section() : "null") + ":" +
-               (m_place.path() ? m_place.path() : "null");
+        return m_last + " on " + std::to_string(m_which) + " at " + (m_section ? m_section : "null") + ":" +
+               (m_path ? m_path : "null");
     }
     std::size_t longest() const { return m_longest; }
 
   private:
     static constexpr std::size_t layers = 3, all = 8;
 
-    std::size_t below(std::size_t n) { return m_random() % n; }
-    EnvHandle handle() const { return m_handles[m_which]; }
-    const model::Handle& model() const { return m_models[m_which]; }
-    int exact() { return m_exact = below(4) != 0; }
+    // Where an operation works.
+    struct Place {
+        std::optional<std::string> section_text, path_text;
+        Text section() const { return section_text ? section_text->c_str() : nullptr; }
+        Text path() const { return path_text ? path_text->c_str() : nullptr; }
+    };
 
+    std::size_t below(std::size_t n) { return m_random() % n; }
     std::string name() { return std::string(1, "abcd"[below(4)]); }
     std::string text() {
         switch (below(12)) {
@@ -91,10 +144,10 @@ class Runner {
         }
     }
 
-    void choose_place() {
+    Place random_place(std::size_t which) {
         std::string path;
         if (below(3) == 0) { // somewhere in a long list
-            path = m_which < layers ? "long@" : "";
+            path = which < layers ? "long@" : "";
             path += below(4) ? "x@" : "y@";
             path += std::to_string(1 + below(below(8) ? 80 : 4));
         } else if (below(60) == 0) {
@@ -105,133 +158,141 @@ class Runner {
                 if (below(2)) path.append("@").append(std::to_string(below(12) ? 1 + below(3) : 0));
             }
         }
-        const std::string section = below(4) ? "S" : std::string(1, "TUV"[below(3)]);
-        m_place = {};
-        if (below(50)) m_place.section_text = section;
-        if (below(12)) m_place.path_text = path;
+        Place place;
+        if (below(50)) place.section_text = std::string(1, "SSSSSSSSSTUV"[below(12)]);
+        if (below(12)) place.path_text = path;
+        return place;
     }
 
     void put() {
-        m_last = "put";
         const std::string value = text();
-        EXPECT_EQ(env_put(handle(), m_place.section(), m_place.path(), value.c_str()),
-                  model().put(m_place.section(), m_place.path(), &value, 0));
+        EXPECT_EQ(env_put(m_env, m_section, m_path, value.c_str()),
+                  m_model->put(m_section, m_path, &value, 0));
     }
     void put_core() {
-        m_last = "put_core";
         const long value = static_cast<long>(below(1000));
-        EXPECT_EQ(env_put_core(handle(), m_place.section(), m_place.path(), nullptr, value),
-                  model().put(m_place.section(), m_place.path(), nullptr, value));
+        EXPECT_EQ(env_put_core(m_env, m_section, m_path, nullptr, value),
+                  m_model->put(m_section, m_path, nullptr, value));
     }
     void remove() {
-        m_last = "delete";
-        if (!m_place.path() && below(8)) return; // seldom a whole section
-        EXPECT_EQ(env_delete(handle(), m_place.section(), m_place.path()),
-                  model().remove(m_place.section(), m_place.path()));
+        if (!m_path && below(8)) return; // seldom a whole section
+        EXPECT_EQ(env_delete(m_env, m_section, m_path), m_model->remove(m_section, m_path));
     }
     void insert() {
-        m_last = "insert_before";
-        const std::string inserted = !m_place.path_text ? "V"
-                                     : below(400) == 0  ? "a@b" // no path, or another one, leads to it
-                                     : below(10) == 0   ? "7"
-                                     : m_place.path_text->find('x') != std::string::npos ? "x"
-                                                                                         : name();
-        EXPECT_EQ(env_insert_before(handle(), m_place.section(), m_place.path(), inserted.c_str()),
-                  model().insert_before(m_place.section(), m_place.path(), inserted));
+        const std::string inserted = !m_path           ? "V"
+                                     : below(400) == 0 ? "a@b" // no path, or another one, leads to it
+                                     : below(10) == 0  ? "7"
+                                     : std::strchr(m_path, 'x') ? "x"
+                                                                : name();
+        EXPECT_EQ(env_insert_before(m_env, m_section, m_path, inserted.c_str()),
+                  m_model->insert_before(m_section, m_path, inserted));
     }
 
     void read() {
-        m_last = "get";
-        exact();
-        const model::Lookup found = model().read(m_place.section(), m_place.path(), m_exact);
-        const bool data = found.status == ENV_IS_DATA, external = found.status == ENV_IS_EXTERNAL;
-        char buf[1100] = "";
-        const EnvStatus other = found.node ? ENV_OK : found.status;
-        const EnvStatus status =
-            env_get(handle(), m_place.section(), m_place.path(), m_exact, sizeof buf, buf);
-        EXPECT_EQ(status, data ? found.tag : found.node ? ENV_IS_DATA : other);
-        EXPECT_EQ(std::string(buf), data ? found.node->text : "");
-        const char* text = nullptr;
-        long value = -1;
-        EXPECT_EQ(env_get_reference(handle(), m_place.section(), m_place.path(), m_exact, &text), status);
-        EXPECT_EQ(std::string(text ? text : ""), buf);
-        const bool negative = data && found.node->text.starts_with('-');
-        const std::string digits = data ? found.node->text.substr(negative) : "";
-        const bool whole = !digits.empty() && digits.find_first_not_of("0123456789") == std::string::npos;
-        EXPECT_EQ(env_get_long(handle(), m_place.section(), m_place.path(), m_exact, &value),
-                  data && !whole ? ENV_SYNTAX : static_cast<int>(status));
-        EXPECT_EQ(value, whole ? std::strtol(buf, nullptr, 10) : -1);
-        value = -1;
-        EXPECT_EQ(env_get_external(handle(), m_place.section(), m_place.path(), m_exact, &value),
-                  external     ? found.tag
-                  : found.node ? ENV_IS_EXTERNAL
-                               : other);
-        EXPECT_EQ(value, external ? found.node->value : -1);
-        const model::Lookup here = model().find(m_place.section(), m_place.path(), m_exact);
-        EXPECT_EQ(env_data_length(handle(), m_place.section(), m_place.path(), m_exact),
+        const auto [status, node, tag] = m_model->read(m_section, m_path, m_exact);
+        const bool data = status == ENV_IS_DATA, external = status == ENV_IS_EXTERNAL;
+        const std::string text = data ? node->text : "";
+        const auto code = [&, found = node != nullptr, other = status, layer = tag](bool fits,
+                                                                                    EnvStatus kind) {
+            return fits ? layer : found ? long{kind} : long{other};
+        };
+        const auto size = static_cast<long>(below(2) ? 300 : below(text.size() + 2));
+        const bool fits = static_cast<long>(text.size()) < size;
+        char buf[300] = "old", whole[300] = "old";
+        const char* reference = "old";
+        EXPECT_EQ(env_get(m_env, m_section, m_path, m_exact, size, buf),
+                  code(data && fits, data ? ENV_TOO_SMALL : ENV_IS_DATA));
+        EXPECT_EQ(std::string(buf), data && fits ? text : "old");
+        EXPECT_EQ(env_get_reference(m_env, m_section, m_path, m_exact, &reference), code(data, ENV_IS_DATA));
+        EXPECT_EQ(std::string(reference), data ? text : "old");
+        EXPECT_EQ(env_get_string(m_env, m_section, m_path, m_exact, 0, whole), code(data, ENV_IS_DATA));
+        EXPECT_EQ(std::string(whole), text); // whatever the size, and emptied on failure
+
+        long number = -1, value = -1;
+        const bool digits = !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
+        EXPECT_EQ(env_get_long(m_env, m_section, m_path, m_exact, &number),
+                  code(digits, data ? ENV_SYNTAX : ENV_IS_DATA));
+        EXPECT_EQ(number, digits ? std::strtol(text.c_str(), nullptr, 10) : -1);
+        EXPECT_EQ(env_get_external(m_env, m_section, m_path, m_exact, &value),
+                  code(external, ENV_IS_EXTERNAL));
+        EXPECT_EQ(value, external ? node->value : -1);
+
+        long layer = -1, core_value = 0;
+        const char *core_name = "", *core_text = "";
+        EXPECT_EQ(
+            env_get_core(m_env, m_section, m_path, m_exact, 0, &layer, &core_name, &core_text, &core_value),
+            status);
+        EXPECT_EQ(layer, node ? tag : -1);
+        EXPECT_EQ(std::string(core_name), node ? node->name : "");
+        EXPECT_EQ(node ? described(status, core_text, core_value) : "nothing;", described(node));
+
+        const model::Lookup here = m_model->find(m_section, m_path, m_exact); // no layer below is asked
+        EXPECT_EQ(env_data_length(m_env, m_section, m_path, m_exact),
                   here.status == ENV_IS_DATA ? static_cast<long>(here.node->text.size()) : 0);
-        EXPECT_EQ(env_check(handle(), m_place.section(), m_place.path(), m_exact),
-                  model().check(m_place.section(), m_place.path(), m_exact));
+        const EnvStatus kind = m_model->check(m_section, m_path, m_exact);
+        EXPECT_EQ(env_check(m_env, m_section, m_path, m_exact), kind);
+        EXPECT_EQ(env_exist(m_env, m_section, m_path, m_exact), is_kind(kind));
+        EXPECT_EQ(env_exist_block(m_env, m_section, m_path, m_exact), kind == ENV_IS_BLOCK);
+        EXPECT_EQ(env_exist_data(m_env, m_section, m_path, m_exact), kind == ENV_IS_DATA);
+        EXPECT_EQ(env_exist_external(m_env, m_section, m_path, m_exact), kind == ENV_IS_EXTERNAL);
     }
 
     void count() {
-        m_last = "count";
-        exact();
-        EXPECT_EQ(env_count_elements(handle(), m_place.section(), m_place.path(), m_exact),
-                  static_cast<long>(model().list(m_place.section(), m_place.path(), m_exact).second.size()));
-        if (!m_place.path()) return;
-        EXPECT_EQ(env_count_path(handle(), m_place.section(), m_place.path(), m_exact),
-                  model().count_path(m_place.section(), m_place.path(), m_exact));
+        EXPECT_EQ(env_count_elements(m_env, m_section, m_path, m_exact),
+                  static_cast<long>(m_model->list(m_section, m_path, m_exact).second.size()));
+        if (!m_path) return;
+        EXPECT_EQ(env_count_path(m_env, m_section, m_path, m_exact),
+                  m_model->count_path(m_section, m_path, m_exact));
     }
 
-    // What the store says of a child at a position, by position or by iteration.
+    // What the store says of a child at a position, by position or by iteration, into so much room.
     struct Child {
-        char name[300] = "", value[1100] = "";
+        long name_size, value_size;
+        char name[300] = "", value[300] = "";
         long tag = -1, external = 0;
         EnvStatus status = ENV_OK;
     };
-    // Holds it against the model's child there, which is returned.
-    NodePtr expect_child(const Child& got, const model::Handle& env, const Place& place, bool exact,
-                         std::size_t pos) {
+    Child room() { return below(6) ? Child{300, 300} : Child{long(below(4)), long(below(300))}; }
+
+    // Holds it against the model's child there. False when it is no kind.
+    bool expect_child(const Child& got, const model::Handle& env, const Place& place, bool exact,
+                      std::size_t pos) {
         const auto [status, children] = env.list(place.section(), place.path(), exact);
         m_longest = std::max(m_longest, children.size());
-        const NodePtr node = pos <= children.size() ? children[pos - 1] : nullptr;
-        const bool failed = status == ENV_INVALID || status == ENV_BAD_PATH;
-        EXPECT_EQ(got.status, node ? node->kind : failed ? status : ENV_NOT_FOUND);
-        EXPECT_EQ(std::string(got.name), node ? node->name : "");
-        EXPECT_EQ(node ? described(got.status, got.value, got.external) : "", node ? described(node) : "");
-        return node;
+        const NodePtr node = pos >= 1 && pos <= children.size() ? children[pos - 1] : nullptr;
+        const EnvStatus missing = pos >= 1 && status == ENV_BAD_PATH ? ENV_BAD_PATH : ENV_NOT_FOUND;
+        const bool data = node && node->kind == ENV_IS_DATA;
+        const bool name_fits = node && long(node->name.size()) < got.name_size;
+        const bool value_fits = data && long(node->text.size()) < got.value_size;
+        const bool fits = name_fits && (value_fits || !data);
+        EXPECT_EQ(got.status, !node ? missing : fits ? node->kind : ENV_TOO_SMALL);
+        EXPECT_EQ(std::string(got.name), name_fits ? node->name : "");
+        EXPECT_EQ(std::string(got.value), value_fits ? node->text : "");
+        EXPECT_EQ(got.external, node && node->kind == ENV_IS_EXTERNAL ? node->value : 0);
+        return is_kind(got.status);
     }
 
     void position() {
-        m_last = "get_pos";
-        exact();
-        const std::size_t length = model().list(m_place.section(), m_place.path(), m_exact).second.size();
-        const std::size_t pos = below(3) ? 1 + below(length + 2) : length;
-        if (pos == 0) return;
-        Child got;
-        got.status =
-            env_get_pos(handle(), m_place.section(), m_place.path(), m_exact, static_cast<long>(pos),
-                        &got.tag, sizeof got.name, got.name, sizeof got.value, got.value, &got.external);
-        const NodePtr node = expect_child(got, model(), m_place, m_exact, pos);
-        EXPECT_EQ(got.tag, node ? model().tag : -1);
+        const std::size_t length = m_model->list(m_section, m_path, m_exact).second.size();
+        const std::size_t pos = below(3) ? below(length + 3) : length;
+        Child got = room();
+        got.status = env_get_pos(m_env, m_section, m_path, m_exact, static_cast<long>(pos), &got.tag,
+                                 got.name_size, got.name, got.value_size, got.value, &got.external);
+        expect_child(got, *m_model, m_place, m_exact, pos);
+        EXPECT_EQ(got.tag, pos >= 1 && pos <= length ? m_model->tag : -1);
     }
 
     // The iteration, which other operations come between.
     void begin() {
-        m_last = "get_first";
-        exact();
-        Child got;
-        got.status = env_get_first(handle(), m_place.section(), m_place.path(), m_exact, &got.tag,
-                                   sizeof got.name, got.name, sizeof got.value, got.value, &got.external);
-        if (expect_child(got, model(), m_place, m_exact, 1))
-            m_iteration = {.env = m_which, .place = m_place, .exact = m_exact, .position = 2};
+        Child got = room();
+        got.status = env_get_first(m_env, m_section, m_path, m_exact, &got.tag, got.name_size, got.name,
+                                   got.value_size, got.value, &got.external);
+        if (expect_child(got, *m_model, m_place, m_exact, 1)) m_iteration = {m_which, m_place, m_exact, 2};
     }
     void next() {
-        m_last = "get_next";
         for (std::size_t i = below(8) ? 1 + below(4) : 200; i > 0; --i) {
-            Child got;
-            got.status = env_get_next(sizeof got.name, got.name, sizeof got.value, got.value, &got.external);
+            Child got = room();
+            got.status = env_get_next(got.name_size, got.name, got.value_size, got.value, &got.external);
             if (!m_iteration) {
                 EXPECT_EQ(got.status, ENV_NOT_FOUND);
                 return;
@@ -241,52 +302,25 @@ class Runner {
         }
     }
 
-    void list() {
-        m_last = "list names";
-        if (!m_place.section() && m_which < layers) return; // no block of its own to list
-        exact();
-        const auto [status, children] = model().list(m_place.section(), m_place.path(), m_exact);
-        std::string names;
-        for (const NodePtr& node : children)
-            names += node->name + "|";
-        const bool listed = status == ENV_IS_BLOCK;
-        // The last name asks for one byte more than it takes.
-        for (const std::size_t size : {names.size() + 2, names.size() + 1}) {
-            const EnvStatus code = size < 2                  ? ENV_TOO_SMALL
-                                   : status == ENV_BAD_PATH  ? ENV_BAD_PATH
-                                   : !listed                 ? ENV_IS_BLOCK
-                                   : size < names.size() + 2 ? ENV_TOO_SMALL
-                                                             : ENV_OK;
-            std::vector<char> buf(size);
-            EXPECT_EQ(env_list_elem_names(handle(), m_place.section(), m_place.path(), m_exact, '|',
-                                          static_cast<long>(size), buf.data()),
-                      code);
-            EXPECT_EQ(std::string(buf.data()), code == ENV_OK ? names : "");
-        }
-    }
-
     // A sub-environment in one of the places for them, in exchange for what was there.
     void open() {
         const std::size_t slot = layers + below(all - layers);
-        if (slot == m_which || below(12) == 0) m_which = below(layers);
         const bool create = below(3) == 0;
-        m_last = create ? "create_subenv" : "open_subenv";
-        const int how = create ? 1 : exact();
-        const EnvHandle sub = create ? env_create_subenv(handle(), m_place.section(), m_place.path())
-                                     : env_open_subenv(handle(), m_place.section(), m_place.path(), how);
-        const NodePtr node = create ? model().create(m_place.section(), m_place.path())
-                                    : model().find(m_place.section(), m_place.path(), how).node;
+        const EnvHandle sub = create ? env_create_subenv(m_env, m_section, m_path)
+                                     : env_open_subenv(m_env, m_section, m_path, m_exact);
+        const NodePtr node =
+            create ? m_model->create(m_section, m_path) : m_model->find(m_section, m_path, m_exact).node;
         EXPECT_EQ(sub != nullptr, node != nullptr);
         if (!sub || !node) return;
         EXPECT_EQ(described(sub), described(node));
-        const model::Handle opened = model().on(node);
-        if (m_handles[slot] && env_close(m_handles[slot], 0) == ENV_BUSY) {
-            // Others stand on it.
-            EXPECT_GT(m_dependants[slot], 0);
+        const model::Handle opened = m_model->on(node);
+        const EnvStatus closed = m_handles[slot] ? env_close(m_handles[slot], 0) : ENV_OK;
+        // Others may stand on it, the new one too.
+        EXPECT_EQ(closed, m_dependants[slot] + (slot == m_which) > 0 ? ENV_BUSY : ENV_OK);
+        if (closed == ENV_BUSY) {
             EXPECT_EQ(env_close(sub, 0), ENV_OK);
             return;
         }
-        EXPECT_EQ(m_dependants[slot], 0);
         if (m_iteration && m_iteration->env == slot) m_iteration.reset();
         if (m_handles[slot]) --m_dependants[m_origin[slot]];
         ++m_dependants[m_which];
@@ -295,101 +329,92 @@ class Runner {
         m_models[slot] = opened;
     }
 
-    // An array, put and read back as far as its text goes.
-    void arrays() {
-        m_last = "arrays";
-        const RandomArray array(m_random, 1 + below(below(20) ? 5 : 300));
-        const std::string text = joined(array.items);
-        const Text section = m_place.section(), path = m_place.path();
-        EXPECT_EQ(array.put(handle(), section, path), model().put(section, path, &text, 0));
-        const bool stored = m_which >= layers || path; // a section itself takes no value
-        if (!stored || model().find(section, path, true).status != ENV_IS_DATA) return;
-        const auto kept = static_cast<std::size_t>(std::count(text.begin(), text.end(), ',')) + 1;
-        for (const std::size_t room : {array.items.size(), kept - 1}) {
-            const auto [status, read] = array.get(handle(), section, path, room);
-            const EnvStatus failure = text.back() == ',' ? ENV_SYNTAX : room < kept ? ENV_TOO_SMALL : ENV_OK;
-            EXPECT_EQ(status, failure ? failure : model().tag);
-            ASSERT_EQ(read.size(), failure ? 0 : kept);
-            EXPECT_TRUE(std::equal(read.begin(), read.end(), array.items.begin()));
+    // What a walk hands out, in the store or in the model. At one of its steps a tree is changed.
+    struct Walk {
+        Runner& runner;
+        bool in_store;
+        std::size_t steps_before_change;
+        std::string seen = {};
+        void visit(Text section, Text path, const std::string& what) {
+            seen.append(section ? section : "-").append(":").append(path ? path : "-").append(what);
+            if (steps_before_change-- == 0) runner.change(in_store);
         }
+        static void BVUTIL_CALL visited(EnvHandle sub, Text section, Text path, void* walk) {
+            static_cast<Walk*>(walk)->visit(section, path, described(sub));
+        }
+    };
+    void change(bool in_store) {
+        const auto& [env, place, text] = m_change;
+        const Text section = place.section(), path = place.path();
+        if (in_store)
+            text ? env_put(m_handles[env], section, path, text->c_str())
+                 : env_delete(m_handles[env], section, path);
+        else
+            text ? m_models[env].put(section, path, &*text, 0) : m_models[env].remove(section, path);
     }
-
-    static void BVUTIL_CALL visit(EnvHandle sub, const char* section, const char* path, void* out) {
-        static_cast<std::string*>(out)
-            ->append(section ? section : "-")
-            .append(":")
-            .append(path ? path : "-")
-            .append(described(sub));
+    template <class InStore, class InModel>
+    void walk(const InStore& in_store, const InModel& in_model) {
+        const std::size_t steps = below(12), env = below(all), changed = m_handles[env] ? env : m_which;
+        m_change = {changed, random_place(changed), std::nullopt};
+        if (below(3) == 0) m_change.put = text();
+        Walk store{*this, true, steps}, model{*this, false, steps};
+        const auto visit = [&](Text section, Text path, const NodePtr& node) {
+            model.visit(section, path, described(node));
+        };
+        EXPECT_EQ(in_store(store), in_model(visit));
+        EXPECT_EQ(store.seen, model.seen);
     }
     void traverse() {
-        m_last = "traverse";
-        exact();
-        std::string got, expected;
-        const EnvStatus status = model().traverse(
-            m_place.section(), m_place.path(), m_exact, [&](Text section, Text path, const NodePtr& node) {
-                expected.append(section ? section : "-").append(":").append(path ? path : "-");
-                expected += described(node);
-            });
-        EXPECT_EQ(env_traverse(handle(), m_place.section(), m_place.path(), m_exact, visit, &got), status);
-        EXPECT_EQ(got, expected);
+        walk(
+            [&](Walk& walk) { return env_traverse(m_env, m_section, m_path, m_exact, Walk::visited, &walk); },
+            [&](const model::Visit& visit) { return m_model->traverse(m_section, m_path, m_exact, visit); });
     }
     void leafs() {
-        m_last = "traverse_leafs";
-        std::string got, expected;
-        std::vector<model::Leaf> leaves;
-        EXPECT_EQ(env_traverse_leafs(handle(), visit, &got), model().leafs(leaves) ? ENV_OK : ENV_INVALID);
-        for (const model::Leaf& leaf : leaves)
-            expected += std::string(leaf.section ? leaf.section : "-") + ":" +
-                        (leaf.has_path ? leaf.path : "-") + described(leaf.node);
-        EXPECT_EQ(got, expected);
+        walk([&](Walk& walk) { return env_traverse_leafs(m_env, Walk::visited, &walk); },
+             [&](const model::Visit& visit) { return m_model->leafs(visit) ? ENV_OK : ENV_INVALID; });
     }
 
     void copy() {
         const std::size_t from = below(all);
         const int mode = static_cast<int>(below(4));
-        m_last = "copy mode " + std::to_string(mode) + " from " + std::to_string(from);
-        if (!m_handles[from] || model::size_of(*m_models[from].top) > 250 ||
-            model::size_of(*model().top) > 500)
-            return;
+        m_last += " mode " + std::to_string(mode) + " from " + std::to_string(from);
+        if (!m_handles[from] || m_models[from].top->size() > 250 || m_model->top->size() > 500) return;
         if (below(3) == 0)
-            EXPECT_EQ(env_sink(handle(), m_handles[from], mode), model().sink(m_models[from], mode));
+            EXPECT_EQ(env_sink(m_env, m_handles[from], mode), m_model->sink(m_models[from], mode));
         else
-            EXPECT_EQ(env_copy_block(handle(), m_handles[from], m_place.section(), m_place.path(), mode),
-                      model().copy_block(m_models[from], m_place.section(), m_place.path(), mode));
+            EXPECT_EQ(env_copy_block(m_env, m_handles[from], m_section, m_path, mode),
+                      m_model->copy_block(m_models[from], m_section, m_path, mode));
     }
 
     // Sections without externals survive the way through a file; sub-environments do not.
     void write_and_read() {
-        m_last = "write and read";
         const std::size_t i = below(layers);
+        m_last += ", and write and read " + std::to_string(i);
+        Nodes& sections = m_models[i].top->children;
         std::string expected;
-        model::write(expected, m_models[i].top->children, 1);
+        model::write(expected, sections);
         EXPECT_EQ(written(m_handles[i]), expected);
-        for (const NodePtr& section : m_models[i].top->children)
+        for (const NodePtr& section : sections)
             if (section->kind != ENV_IS_BLOCK) return;
         const Env copy;
-        if (below(8) == 0) {
-            const ScratchFile file;
-            env_write_file(file.path().c_str(), m_handles[i]);
-            EXPECT_EQ(env_read_file(file.path().c_str(), copy), ENV_OK);
-        } else {
-            EXPECT_EQ(read_text(copy, expected), ENV_OK);
-        }
+        const ScratchFile file;
+        const bool by_file = below(8) == 0;
+        if (by_file) env_write_file(file.path().c_str(), m_handles[i]);
+        EXPECT_EQ(by_file ? env_read_file(file.path().c_str(), copy) : read_text(copy, expected), ENV_OK);
         EXPECT_EQ(written(copy), expected);
         if (below(4)) return;
         EXPECT_EQ(read_text(m_handles[i], expected), ENV_OK);
         // The same sections, but not the same elements.
-        const NodePtr fresh = model::persistent(*m_models[i].top);
-        m_models[i].top->children = fresh->children;
+        const Nodes former = std::exchange(sections, {});
+        model::copy_persistent(former, *m_models[i].top);
     }
 
     // The tree that was worked on, and what each sub-environment stands on.
     void compare_trees() {
         std::string got, expected;
-        const auto at = static_cast<std::size_t>(
-            std::find_if(m_models.begin(), m_models.begin() + layers,
-                         [&](const model::Handle& main) { return main.top == model().top; }) -
-            m_models.begin());
+        std::size_t at = 0;
+        while (m_models[at].top != m_model->top)
+            ++at;
         dump(m_models[at], expected);
         env_traverse(m_handles[at], nullptr, nullptr, 1, dump_visit, &got);
         EXPECT_EQ(got, expected);
@@ -398,7 +423,7 @@ class Runner {
 #ifndef _WIN32
         if (below(8) == 0) env::StoreCheck{m_handles[at]};
 #endif
-        if (model::size_of(*m_models[at].top) < 400) return;
+        if (m_models[at].top->size() < 400) return;
         for (const char* section : {"S", "T", "U", "V"}) // enough
             EXPECT_EQ(env_delete(m_handles[at], section, nullptr), m_models[at].remove(section, nullptr));
     }
@@ -408,7 +433,6 @@ class Runner {
     std::array<model::Handle, all> m_models;
     std::array<int, all> m_dependants{};
     std::array<std::size_t, all> m_origin{};
-    std::size_t m_which = 0;
     struct Iterating {
         std::size_t env;
         Place place;
@@ -416,10 +440,21 @@ class Runner {
         std::size_t position;
     };
     std::optional<Iterating> m_iteration;
-    Place m_place;
-    bool m_exact = true;
-    std::string m_last;
+    struct Change {
+        std::size_t env;
+        Place place;
+        std::optional<std::string> put; // else deletes
+    } m_change;
     std::size_t m_longest = 0;
+
+    // The operation's own.
+    std::string m_last;
+    std::size_t m_which = 0;
+    EnvHandle m_env = nullptr;
+    const model::Handle* m_model = nullptr;
+    Place m_place;
+    Text m_section = nullptr, m_path = nullptr;
+    bool m_exact = true;
 };
 
 TEST(RandomOperations, AgreeWithTheModel) {

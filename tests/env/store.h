@@ -3,6 +3,7 @@
 #pragma once
 
 #include "bvutil/env.h"
+#include "tests/env/texts.h"
 #ifdef _WIN32
 #include "tests/support/message_log.h"
 #else
@@ -36,32 +37,14 @@ class Env {
     EnvHandle m_handle;
 };
 
-// A text handed out one character at a time.
-struct CharSource {
-    std::string_view text;
-    std::size_t at = 0;
-    static int BVUTIL_CALL next(void* self) {
-        auto& source = *static_cast<CharSource*>(self);
-        return source.at < source.text.size() ? static_cast<signed char>(source.text[source.at++]) : -1;
-    }
-};
-
-inline EnvStatus read_text(EnvHandle env, std::string_view text) {
-    CharSource source{text};
-    return env_read(CharSource::next, &source, env);
-}
-
-inline std::string written(EnvHandle env) {
-    std::string text;
-    env_write([](int c, void* sink) { static_cast<std::string*>(sink)->push_back(static_cast<char>(c)); },
-              &text, env);
-    return text;
-}
-
 inline std::string text_at(EnvHandle env, const char* section, const char* path, int exact = 1) {
     const char* text = nullptr;
     const EnvStatus status = env_get_reference(env, section, path, exact, &text);
     return text ? text : std::string("<").append(std::to_string(status)).append(">");
+}
+
+inline std::string numbered(const char* name, long number) {
+    return std::string(name).append(std::to_string(number));
 }
 
 // The messages reported since it was made; each must come from the store's own unit. They are logged all the
