@@ -9,7 +9,6 @@
 namespace {
 std::vector<std::string> messages;
 std::function<void()> next_action;
-bool double_byte = false;
 } // namespace
 
 namespace seams {
@@ -22,28 +21,21 @@ void on_next_message(std::function<void()> action) {
     next_action = std::move(action);
 }
 
-double_byte_code_page::double_byte_code_page() {
-    double_byte = true;
-}
-double_byte_code_page::~double_byte_code_page() {
-    double_byte = false;
-}
-
 } // namespace seams
 
 namespace multibyte {
 
 bool active() {
-    return double_byte;
+    return seams::double_byte_code_page::active;
 }
 
 bool is_lead_byte(unsigned char byte) {
-    return double_byte && ((byte >= 0x81 && byte <= 0x9F) || (byte >= 0xE0 && byte <= 0xFC));
+    return active() && ((byte >= 0x81 && byte <= 0x9F) || (byte >= 0xE0 && byte <= 0xFC));
 }
 
 unsigned lower_case(unsigned character) {
     if (character >= 'A' && character <= 'Z') return character + ('a' - 'A');
-    if (double_byte && character >= 0x8260 && character <= 0x8279) return character + 0x21; // full-width
+    if (active() && character >= 0x8260 && character <= 0x8279) return character + 0x21; // full-width
     return character;
 }
 

@@ -15,10 +15,10 @@ std::vector<std::string> take_messages();
 void on_next_message(std::function<void()> action);
 
 // Makes lead bytes as in code page 932 while it lives.
-class double_byte_code_page {
-  public:
-    double_byte_code_page();
-    ~double_byte_code_page();
+struct double_byte_code_page {
+    static inline bool active = false;
+    double_byte_code_page() { active = true; }
+    ~double_byte_code_page() { active = false; }
     double_byte_code_page(const double_byte_code_page&) = delete;
     double_byte_code_page& operator=(const double_byte_code_page&) = delete;
 };
