@@ -1,5 +1,7 @@
 #include "calcgeom/cavity.h"
 
+#include "calcgeom/boundary_avx2.h"
+
 #include <algorithm>
 #include <bit>
 #include <set>
@@ -17,14 +19,17 @@ Edge ordered(std::uint32_t p, std::uint32_t q) {
 } // namespace
 
 std::span<const Edge> Cavity::boundary() {
-    constexpr std::size_t readable_behind = 3, worthwhile_fan = 6, few_others = 8;
-    const std::size_t most = 3 * (m_count + m_fan_size) + readable_behind;
+    constexpr std::size_t room_behind = 4, worthwhile_fan = 6, few_others = 8;
+    const std::size_t most = 3 * (m_count + m_fan_size) + room_behind;
     if (m_boundary.size() < most) m_boundary.resize(2 * most);
     if (m_fan_size >= worthwhile_fan && m_count <= few_others && !m_sweep.corners_coincide)
         return {m_boundary.data(), find_boundary_of_fan()};
 
     for (const auto& [first, second] : std::span(m_fan.data(), m_fan_size))
         add({first, second, m_fan_point, 0});
+    if (m_avx2 && m_count <= most_for_boundary_avx2 && !m_sweep.corners_coincide)
+        if (const std::size_t count = boundary_avx2(m_triangles.data(), m_count, m_boundary.data()))
+            return {m_boundary.data(), count};
     const std::size_t count = m_sweep.corners_coincide ? find_boundary_by_coordinates()
                               : m_count <= most_for(1) ? find_boundary_in_rows<1>()
                               : m_count <= most_for(2) ? find_boundary_in_rows<2>()

@@ -3,11 +3,13 @@
 
 #include "calcgeom/lanes.h"
 #include "calcgeom/super_triangle.h"
+#include "module/cpu_level.h"
 
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <utility>
 #include <vector>
 
 // A triangle's vertices, in the order in which they are written; v3 is the point that made the triangle.
@@ -23,14 +25,20 @@ struct Edge {
 
 class Cavity {
   public:
-    explicit Cavity(const SweepVertices& sweep)
-        : m_sweep(sweep), m_triangles(64), m_fan(64), m_boundary(256), m_numbers(sweep.vertices.size()),
-          m_is_end(sweep.vertices.size()) {}
+    Cavity(const SweepVertices& sweep, CpuLevel level)
+        : m_sweep(sweep), m_avx2(level >= CpuLevel::avx2), m_triangles(64), m_fan(64), m_boundary(256),
+          m_numbers(sweep.vertices.size()), m_is_end(sweep.vertices.size()) {}
 
     void clear() { m_count = m_fan_size = 0; }
     void add(const Corners& corners) {
         if (m_count == m_triangles.size()) m_triangles.resize(2 * m_count);
         m_triangles[m_count++] = corners;
+    }
+
+    // Room for so many more triangles, which are to be written there.
+    Corners* append(std::size_t count) {
+        if (m_count + count > m_triangles.size()) m_triangles.resize(2 * (m_count + count));
+        return m_triangles.data() + std::exchange(m_count, m_count + count);
     }
 
     // Triangles that the sweep's latest point has made with edges, no two of them equal.
@@ -59,6 +67,7 @@ class Cavity {
     std::size_t find_boundary_by_coordinates();
 
     const SweepVertices& m_sweep;
+    const bool m_avx2;
     std::vector<Corners> m_triangles;
     std::size_t m_count = 0;
     std::vector<Edge> m_fan; // the edges opposite the fan's point

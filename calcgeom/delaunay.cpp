@@ -4,20 +4,23 @@
 #include "calcgeom/live_circles.h"
 #include "calcgeom/point_set.h"
 
+#include <span>
+#include <utility>
+
 namespace {
 
-std::vector<FinishedTriangle> sweep_over(const SweepVertices& sweep) {
+std::vector<FinishedTriangle> sweep_over(const SweepVertices& sweep, CpuLevel level) {
     const auto& [a, b, c] = sweep.super;
     const auto& vertices = sweep.vertices;
-    LiveCircles live(sweep);
-    const Corners super_triangle[4] = {{a, b, c, 0}};
-    live.file(circumcircles(splat(vertices[a]), splat(vertices[b]), splat(vertices[c])), super_triangle, 1,
-              vertices.front().x);
     // Coordinates so large that the super triangle's circle is not a number: no point is ever inside it.
-    if (live.size() == 0) return {};
+    const Circles around = circumcircles(splat(vertices[a]), splat(vertices[b]), splat(vertices[c]));
+    if (mask_of(_mm_cmpge_ps(around.enlarged, _mm_setzero_ps())) == 0) return {};
 
+    LiveCircles live(sweep, level);
     Fan fan(sweep);
-    Cavity cavity(sweep);
+    Cavity cavity(sweep, level);
+    const Edge base[4] = {{a, b}, {a, b}, {a, b}, {a, b}}; // one, and three that may be read
+    fan.connect(c, std::span(base, 1));
     for (Place point = 0; point < vertices.size(); ++point) {
         if (sweep.super.has(point)) continue;
         if (live.slab_ends_before(point)) live.begin_slab(point);
@@ -32,12 +35,11 @@ std::vector<FinishedTriangle> sweep_over(const SweepVertices& sweep) {
 
 } // namespace
 
-Triangulation triangulate(const float* coordinates, std::size_t count) {
+Triangulation triangulate(const float* coordinates, std::size_t count, CpuLevel level) {
     Triangulation result;
-    const std::vector<Vertex> points = point_set(coordinates, count);
+    std::vector<Vertex> points = point_set(coordinates, count);
     if (points.size() < 3) return result;
-    result.sweep = with_super_triangle(points);
-    result.triangles = sweep_over(result.sweep);
-    result.order = result_order(result.triangles, result.sweep);
+    result.sweep = with_super_triangle(std::move(points));
+    result.triangles = sweep_over(result.sweep, level);
     return result;
 }

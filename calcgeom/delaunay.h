@@ -2,16 +2,15 @@
 #pragma once
 
 #include "calcgeom/result_order.h"
+#include "module/cpu_level.h"
 
 #include <cstddef>
-#include <cstdint>
 #include <vector>
 
 struct Triangulation {
     SweepVertices sweep;
     std::vector<FinishedTriangle> triangles; // in no order
-    std::vector<std::uint32_t> order;        // indices into `triangles`, first to last
 };
 
 // The triangulation of `count` pairs x, y, to the bit as bvutil/triangulation.h defines it.
-Triangulation triangulate(const float* coordinates, std::size_t count);
+Triangulation triangulate(const float* coordinates, std::size_t count, CpuLevel level = cpu_level());

@@ -6,13 +6,12 @@
 #pragma once
 
 #include "calcgeom/cavity.h"
-#include "calcgeom/circumcircle.h"
+#include "calcgeom/live_circles.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <span>
 #include <vector>
-
-class LiveCircles;
 
 class Fan {
   public:
@@ -27,16 +26,11 @@ class Fan {
     void connect(Place point, std::span<const Edge> edges);
 
   private:
-    // Four triangles. Aligned beyond what new promises: the platform's heap keeps half of that promise.
-    struct alignas(32) Block {
-        Circles circles;
-        Edge edges[4];
-        unsigned lanes; // those that hold a triangle
-    };
-    void file(const Block& block, unsigned lanes, float from_x, LiveCircles& live) const;
+    void file(float from_x, LiveCircles& live);
 
     const SweepVertices& m_sweep;
-    std::vector<Block> m_blocks;
+    std::vector<LiveCircles::Four> m_fours;
+    std::vector<std::uint32_t> m_to_file;
     std::size_t m_used = 0;
     Place m_point = 0;
 };

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <immintrin.h>
 #include <limits>
 #include <numeric>
 #include <span>
@@ -13,17 +14,35 @@ namespace {
 
 constexpr std::size_t shortest_slab = 32, points_per_leaf = 16;
 
+// The lanes set in a mask of eight, the highest first.
+struct LanesOfEight {
+    std::uint8_t lanes[8];
+    std::uint32_t count;
+};
+struct LanesOfEightTable {
+    LanesOfEight of_mask[256];
+};
+constexpr LanesOfEightTable lanes_of_eight = [] {
+    LanesOfEightTable table{};
+    for (unsigned mask = 0; mask < 256; ++mask)
+        for (std::uint8_t lane = 8; lane-- > 0;)
+            if (mask >> lane & 1) table.of_mask[mask].lanes[table.of_mask[mask].count++] = lane;
+    return table;
+}();
+
 // What is filed in a lane that holds no circle.
 constexpr float nobody = -1.0f;
 
-// Arithmetic, as compilers make a branch of a choice, and nobody can guess it.
-std::uint32_t either(bool choice, std::uint32_t if_so, std::uint32_t if_not) {
+// Arithmetic, as compilers make a branch of a choice, and nobody can guess it. Inlined in any case: compilers
+// would not by themselves where other instructions are in use.
+[[gnu::always_inline]] inline std::uint32_t either(bool choice, std::uint32_t if_so, std::uint32_t if_not) {
     return if_not ^ ((if_so ^ if_not) & (0u - static_cast<std::uint32_t>(choice)));
 }
 
 } // namespace
 
-LiveCircles::LiveCircles(const SweepVertices& sweep) : m_sweep(sweep), m_nodes(2), m_levels_up(1) {
+LiveCircles::LiveCircles(const SweepVertices& sweep, CpuLevel level)
+    : m_sweep(sweep), m_avx2(level >= CpuLevel::avx2), m_nodes(2), m_levels_up(1) {
     clear_blocks(64);
     m_finished.reserve(2 * sweep.vertices.size()); // no triangulation in the plane has more
 }
@@ -67,8 +86,8 @@ void LiveCircles::clear_blocks(std::size_t count) {
     if (m_blocks.size() < count) m_blocks.resize(count);
     if (m_next.size() < m_blocks.size()) m_next.resize(m_blocks.size());
     for (Block& block : m_blocks)
-        _mm_store_ps(block.enlarged, _mm_set1_ps(nobody));
-    m_free_block = m_free_blocks = 0;
+        std::fill_n(block.enlarged, block_size, nobody);
+    m_free_block = 0;
     add_free_blocks(1);
 }
 
@@ -76,44 +95,6 @@ void LiveCircles::add_free_blocks(std::uint32_t first) {
     const auto end = static_cast<std::uint32_t>(m_blocks.size());
     std::iota(m_next.begin() + first, m_next.begin() + end, first + 1);
     m_next[end - 1] = std::exchange(m_free_block, first);
-    m_free_blocks += end - first;
-}
-
-// Blocks move between nodes and the free ones without a branch: one time in four, at no foreseeable one.
-
-// The place for one more circle in a node: four times its first block plus the lane. There is a free block.
-inline std::uint32_t LiveCircles::new_place(Node& node) {
-    const std::uint32_t lane = node.circles++ % 4, free = m_free_block, after_free = m_next[free];
-    const bool full = lane == 0;
-    m_next[free] = either(full, node.first_block, after_free);
-    m_free_block = either(full, after_free, free);
-    node.first_block = either(full, free, node.first_block);
-    m_free_blocks -= full;
-    ++m_size;
-    return 4 * node.first_block + lane;
-}
-
-// The node's last circle takes the place.
-inline void LiveCircles::remove(std::uint32_t place) {
-    Block& to = m_blocks[place / 4];
-    const std::uint32_t lane = place % 4;
-    Node& node = m_nodes[to.corners[lane].node];
-    const std::uint32_t first = node.first_block, last = --node.circles % 4;
-    Block& from = m_blocks[first];
-    to.cx[lane] = from.cx[last];
-    to.cy[lane] = from.cy[last];
-    to.enlarged[lane] = from.enlarged[last];
-    to.right[lane] = from.right[last];
-    to.corners[lane] = from.corners[last];
-    from.enlarged[last] = nobody;
-
-    const bool empty = last == 0;
-    const std::uint32_t after = m_next[first];
-    m_next[first] = either(empty, m_free_block, after);
-    m_free_block = either(empty, first, m_free_block);
-    node.first_block = either(empty, after, first);
-    m_free_blocks += empty;
-    --m_size;
 }
 
 void LiveCircles::add_finished(float cx, float cy, const Corners& corners) {
@@ -122,62 +103,124 @@ void LiveCircles::add_finished(float cx, float cy, const Corners& corners) {
     if (!super.has(v1) && !super.has(v2) && !super.has(v3)) m_finished.push_back({cx, cy, v1, v2, v3});
 }
 
-void LiveCircles::file(const Circles& circles, const Corners* corners, unsigned lanes, float from_x) {
-    const Leaves touched = leaves_touched(circles, from_x);
-    alignas(16) std::uint32_t lowest[4], highest[4];
-    alignas(16) float cx[4], cy[4], enlarged[4], right[4];
-    _mm_store_si128(reinterpret_cast<__m128i*>(lowest), touched.lowest);
-    _mm_store_si128(reinterpret_cast<__m128i*>(highest), touched.highest);
-    _mm_store_ps(cx, circles.cx);
-    _mm_store_ps(cy, circles.cy);
-    _mm_store_ps(enlarged, circles.enlarged);
-    _mm_store_ps(right, circles.right);
-
-    // A circle that is not a number has nothing inside and is never passed: it stays to the end.
-    const unsigned numbers = mask_of(_mm_cmpge_ps(circles.enlarged, _mm_setzero_ps()));
-    if (lanes & ~numbers) {
-        for (unsigned i = 0; i < 4; ++i)
-            if ((lanes & ~numbers) >> i & 1) add_finished(cx[i], cy[i], corners[i]);
-        lanes &= numbers;
-    }
-    if (m_free_blocks < 4) {
+// There are free blocks for so many more circles, each in a node of its own.
+LiveCircles::Filing LiveCircles::begin_filing(std::size_t circles) {
+    // A node has one block at most that is not full.
+    const std::size_t most_blocks = (m_size + circles) / block_size + m_nodes.size() + 2;
+    if (m_blocks.size() < most_blocks) {
         const auto first = static_cast<std::uint32_t>(m_blocks.size());
-        m_blocks.resize(2 * m_blocks.size());
+        m_blocks.resize(2 * most_blocks);
         m_next.resize(std::max(m_next.size(), m_blocks.size()));
         add_free_blocks(first);
     }
-    const LanesOfMask& set = lanes_of[lanes];
-    for (std::size_t n = 0; n < set.count; ++n) {
-        const std::uint32_t i = set.lanes[n];
-        const std::uint32_t node = (m_leaves + lowest[i]) >> m_levels_up[lowest[i] ^ highest[i]];
-        const std::uint32_t place = new_place(m_nodes[node]), lane = place % 4;
-        Block& block = m_blocks[place / 4];
-        block.cx[lane] = cx[i];
-        block.cy[lane] = cy[i];
-        block.enlarged[lane] = enlarged[i];
-        block.right[lane] = right[i];
-        block.corners[lane] = corners[i];
-        block.corners[lane].node = node;
+    return {m_blocks.data(), m_nodes.data(), m_next.data(), m_free_block};
+}
+
+// Blocks move between nodes and the free ones without a branch: one time in eight, at no foreseeable one.
+inline void LiveCircles::Filing::put(std::uint32_t number, float cx, float cy, float enlarged, float right,
+                                     const Corners& corners) {
+    Node& node = nodes[number];
+    const std::uint32_t lane = node.circles++ % block_size, free = free_block, after_free = next[free];
+    const bool full = lane == 0;
+    const std::uint32_t former = node.first_block, first = either(full, free, former);
+    next[free] = either(full, former, after_free);
+    free_block = either(full, after_free, free);
+    node.first_block = first;
+    Block& block = blocks[first];
+    block.cx[lane] = cx;
+    block.cy[lane] = cy;
+    block.enlarged[lane] = enlarged;
+    block.right[lane] = right;
+    block.corners[lane] = {corners.v1, corners.v2, corners.v3, number};
+}
+
+void LiveCircles::prepare(Four& four, float from_x) const {
+    const Leaves touched = leaves_touched(four.circles(), from_x);
+    _mm_store_si128(reinterpret_cast<__m128i*>(four.lowest_leaf), touched.lowest);
+    _mm_store_si128(reinterpret_cast<__m128i*>(four.highest_leaf), touched.highest);
+}
+
+void LiveCircles::file(const Four* fours, std::span<const std::uint32_t> numbers, Place third) {
+    Filing filing = begin_filing(numbers.size());
+    m_size += numbers.size();
+    for (const std::uint32_t number : numbers) {
+        const Four& four = fours[number / 4];
+        const std::uint32_t i = number % 4;
+        const auto [first, second] = four.edges[i];
+        // A circle that is not a number has nothing inside and is never passed: it stays to the end.
+        if (!(four.enlarged[i] >= 0)) {
+            add_finished(four.cx[i], four.cy[i], {first, second, third, 0});
+            --m_size;
+            continue;
+        }
+        filing.put(node_for(four.lowest_leaf[i], four.highest_leaf[i]), four.cx[i], four.cy[i],
+                   four.enlarged[i], four.right[i], {first, second, third, 0});
     }
+    m_free_block = filing.free_block;
+}
+
+// The circles in some lanes of a block of the slab that has ended.
+void LiveCircles::file_again(const Block& block, unsigned lanes, float from_x) {
+    Filing filing = begin_filing(block_size);
+    for (unsigned half = 0; half < block_size; half += 4) {
+        const Leaves touched = leaves_touched(block.four_from(half), from_x);
+        alignas(16) std::uint32_t lowest[4], highest[4];
+        _mm_store_si128(reinterpret_cast<__m128i*>(lowest), touched.lowest);
+        _mm_store_si128(reinterpret_cast<__m128i*>(highest), touched.highest);
+        const LanesOfMask& set = lanes_of[lanes >> half & all_lanes];
+        for (std::size_t n = 0; n < set.count; ++n) {
+            const std::uint32_t i = set.lanes[n], lane = half + i;
+            filing.put(node_for(lowest[i], highest[i]), block.cx[lane], block.cy[lane], block.enlarged[lane],
+                       block.right[lane], block.corners[lane]);
+        }
+        m_size += set.count;
+    }
+    m_free_block = filing.free_block;
 }
 
 // One walk over the blocks of all nodes from the leaf to the root, as their numbers cannot be guessed: where
 // a node's blocks end, the next one is its parent's first. Block 0 has nothing inside.
-std::size_t LiveCircles::find_around(const Vertex& point) {
+std::size_t LiveCircles::find_around(const Vertex& point, const Search& search) {
+    const auto [blocks, next, nodes, leaf, hits] = search;
     const __m128 x = _mm_set1_ps(point.x), y = _mm_set1_ps(point.y);
-    const Block* const blocks = m_blocks.data();
-    const std::uint32_t* const next = m_next.data();
-    const Node* const nodes = m_nodes.data();
-    std::uint32_t* const hits = m_hits.data();
     std::size_t count = 0;
-    std::uint32_t node = m_leaves + static_cast<std::uint32_t>(_mm_cvtsi128_si32(leaf_of(y)));
-    std::uint32_t block = nodes[node].first_block;
+    std::uint32_t node = leaf, block = nodes[node].first_block;
     while (node != 0) {
         const std::uint32_t first_of_parent = nodes[node / 2].first_block;
-        const LanesOfMask& lanes = lanes_of[blocks[block].circles().inside(x, y)];
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(hits + count),
-                         _mm_add_epi32(_mm_set1_epi32(static_cast<int>(4 * block)),
-                                       _mm_load_si128(reinterpret_cast<const __m128i*>(lanes.lanes))));
+        for (const unsigned half : {4u, 0u}) { // the high lanes first
+            const LanesOfMask& lanes = lanes_of[blocks[block].four_from(half).inside(x, y)];
+            const __m128i first = _mm_set1_epi32(static_cast<int>(block_size * block + half));
+            _mm_storeu_si128(
+                reinterpret_cast<__m128i*>(hits + count),
+                _mm_add_epi32(first, _mm_load_si128(reinterpret_cast<const __m128i*>(lanes.lanes))));
+            count += lanes.count;
+        }
+        const std::uint32_t following = next[block];
+        block = either(following == 0, first_of_parent, following);
+        node >>= following == 0;
+    }
+    return count;
+}
+
+// The same with eight circles at a time. A call from within would leave the wide registers in use, which
+// makes all that follows slow: whatever has to be called was called before.
+std::size_t LiveCircles::find_around_avx2(const Vertex& point, const Search& search) {
+    const auto [blocks, next, nodes, leaf, hits] = search;
+    const __m256 x = _mm256_set1_ps(point.x), y = _mm256_set1_ps(point.y);
+    std::size_t count = 0;
+    std::uint32_t node = leaf, block = nodes[node].first_block;
+    while (node != 0) {
+        const std::uint32_t first_of_parent = nodes[node / 2].first_block;
+        const Block& b = blocks[block];
+        const __m256 dx = _mm256_sub_ps(x, _mm256_load_ps(b.cx)), dy = _mm256_sub_ps(y, _mm256_load_ps(b.cy));
+        const __m256 squared = _mm256_add_ps(_mm256_mul_ps(dx, dx), _mm256_mul_ps(dy, dy));
+        const __m256 inside = _mm256_and_ps(_mm256_cmp_ps(_mm256_load_ps(b.enlarged), squared, _CMP_GE_OS),
+                                            _mm256_cmp_ps(x, _mm256_load_ps(b.right), _CMP_NGT_US));
+        const LanesOfEight& lanes = lanes_of_eight.of_mask[_mm256_movemask_ps(inside)];
+        const __m256i first = _mm256_set1_epi32(static_cast<int>(block_size * block));
+        _mm256_storeu_si256(reinterpret_cast<__m256i*>(hits + count),
+                            _mm256_add_epi32(first, _mm256_cvtepu8_epi32(_mm_loadl_epi64(
+                                                        reinterpret_cast<const __m128i*>(lanes.lanes)))));
         count += lanes.count;
         const std::uint32_t following = next[block];
         block = either(following == 0, first_of_parent, following);
@@ -186,19 +229,53 @@ std::size_t LiveCircles::find_around(const Vertex& point) {
     return count;
 }
 
-void LiveCircles::take_around(const Vertex& point, Cavity& cavity) {
-    constexpr std::size_t writable_behind = 4;
+void LiveCircles::make_room_for_hits() {
+    constexpr std::size_t writable_behind = block_size;
     if (m_hits.size() < m_size + writable_behind) m_hits.resize(2 * m_size + writable_behind);
+}
+
+void LiveCircles::take_around(const Vertex& point, Cavity& cavity) {
+    make_room_for_hits();
+    const auto leaf = static_cast<std::uint32_t>(_mm_cvtsi128_si32(leaf_of(_mm_set1_ps(point.y))));
+    const Search search{m_blocks.data(), m_next.data(), m_nodes.data(), m_leaves + leaf, m_hits.data()};
+    const std::size_t count = m_avx2 ? find_around_avx2(point, search) : find_around(point, search);
+    Corners* taken = cavity.append(count);
+    Block* const blocks = m_blocks.data();
+    Node* const nodes = m_nodes.data();
+    std::uint32_t* const next = m_next.data();
+    std::uint32_t free_block = m_free_block;
     // From a node's first block on, and in each from the high lanes down: what takes a removed circle's place
     // is not itself inside.
-    for (const std::uint32_t hit : std::span(m_hits.data(), find_around(point))) {
-        cavity.add(m_blocks[hit / 4].corners[hit % 4]);
-        remove(hit);
+    for (const std::uint32_t hit : std::span(m_hits.data(), count)) {
+        Block& to = blocks[hit / block_size];
+        const std::uint32_t lane = hit % block_size;
+        const Corners corners = to.corners[lane];
+        *taken++ = corners;
+        Node& node = nodes[corners.node];
+        const std::uint32_t first = node.first_block, last = --node.circles % block_size;
+        Block& from = blocks[first];
+        to.cx[lane] = from.cx[last];
+        to.cy[lane] = from.cy[last];
+        to.enlarged[lane] = from.enlarged[last];
+        to.right[lane] = from.right[last];
+        to.corners[lane] = from.corners[last];
+        from.enlarged[last] = nobody;
+
+        const bool empty = last == 0;
+        const std::uint32_t after = next[first];
+        next[first] = either(empty, free_block, after);
+        free_block = either(empty, first, free_block);
+        node.first_block = either(empty, after, first);
     }
+    m_free_block = free_block;
+    m_size -= count;
 }
 
 unsigned LiveCircles::circles_in(const Block& block) const {
-    return mask_of(_mm_cmpge_ps(_mm_load_ps(block.enlarged), _mm_setzero_ps()));
+    const auto of_four = [](const float* enlarged) {
+        return mask_of(_mm_cmpge_ps(_mm_load_ps(enlarged), _mm_setzero_ps()));
+    };
+    return of_four(block.enlarged) | of_four(block.enlarged + 4) << 4;
 }
 
 void LiveCircles::measure_slab(Place first, std::size_t points) {
@@ -218,27 +295,46 @@ void LiveCircles::measure_slab(Place first, std::size_t points) {
     m_leaves_per_unit = static_cast<float>(m_leaves) / (top - bottom);
 }
 
+// Lists the circles of the slab that has ended which lie behind, as hits; how many.
+std::size_t LiveCircles::list_passed(float x) {
+    make_room_for_hits();
+    std::size_t count = 0;
+    const __m128i zero = _mm_setzero_si128();
+    for (std::size_t i = 0; i < m_old_blocks.size(); ++i) {
+        const Block& block = m_old_blocks[i];
+        const auto of_four = [&](unsigned half) {
+            return mask_of(_mm_cmpgt_ps(_mm_set1_ps(x), _mm_load_ps(block.right + half))) << half;
+        };
+        const LanesOfEight& lanes = lanes_of_eight.of_mask[circles_in(block) & (of_four(0) | of_four(4))];
+        const __m128i words =
+            _mm_unpacklo_epi8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(lanes.lanes)), zero);
+        const __m128i place = _mm_set1_epi32(static_cast<int>(block_size * i));
+        auto* const hits = reinterpret_cast<__m128i*>(m_hits.data() + count);
+        _mm_storeu_si128(hits, _mm_add_epi32(place, _mm_unpacklo_epi16(words, zero)));
+        _mm_storeu_si128(hits + 1, _mm_add_epi32(place, _mm_unpackhi_epi16(words, zero)));
+        count += lanes.count;
+    }
+    return count;
+}
+
 void LiveCircles::begin_slab(Place first) {
     const float x = m_sweep.vertices[first].x;
     m_old_blocks.swap(m_blocks);
-    std::size_t live = 0;
-    for (Block& block : m_old_blocks)
-        for (unsigned lanes = circles_in(block); lanes; lanes ^= 1u << highest_lane(lanes)) {
-            const unsigned lane = highest_lane(lanes);
-            if (x > block.right[lane]) {
-                add_finished(block.cx[lane], block.cy[lane], block.corners[lane]);
-                block.enlarged[lane] = nobody;
-            } else {
-                ++live;
-            }
-        }
+    const std::size_t passed = list_passed(x);
+    for (const std::uint32_t circle : std::span(m_hits.data(), passed)) {
+        Block& block = m_old_blocks[circle / block_size];
+        const std::uint32_t lane = circle % block_size;
+        add_finished(block.cx[lane], block.cy[lane], block.corners[lane]);
+        block.enlarged[lane] = nobody;
+    }
+    const std::size_t live = m_size - passed;
     measure_slab(first, std::max(live, shortest_slab));
     m_most_circles = 3 * live + 4 * shortest_slab;
     m_nodes.assign(2 * m_leaves, Node{});
     clear_blocks(m_old_blocks.size());
     m_size = 0;
     for (const Block& block : m_old_blocks)
-        if (const unsigned lanes = circles_in(block)) file(block.circles(), block.corners, lanes, x);
+        if (const unsigned lanes = circles_in(block)) file_again(block, lanes, x);
 }
 
 std::vector<FinishedTriangle> LiveCircles::finish() {

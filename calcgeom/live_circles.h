@@ -11,20 +11,37 @@
 #include "calcgeom/cavity.h"
 #include "calcgeom/circumcircle.h"
 #include "calcgeom/result_order.h"
+#include "module/cpu_level.h"
 
 #include <cstdint>
+#include <span>
 #include <vector>
 
 class LiveCircles {
   public:
-    explicit LiveCircles(const SweepVertices& sweep);
+    LiveCircles(const SweepVertices& sweep, CpuLevel level);
 
     // Whether a new slab has to begin with the point.
     bool slab_ends_before(Place point) const { return point >= m_slab_end || m_size > m_most_circles; }
     void begin_slab(Place first);
 
-    // Files the triangles in some lanes of four. The points to come have an x of at least `from_x`.
-    void file(const Circles& circles, const Corners* corners, unsigned lanes, float from_x);
+    // Four triangles with the same third corner. Aligned beyond what new promises: the platform's heap keeps
+    // half of that promise.
+    struct alignas(64) Four {
+        float cx[4], cy[4], right[4], enlarged[4];
+        std::uint32_t lowest_leaf[4], highest_leaf[4]; // as `prepare` sets them
+        Edge edges[4];
+        std::uint32_t lanes; // those that hold a triangle
+
+        Circles circles() const {
+            return {_mm_load_ps(cx), _mm_load_ps(cy), _mm_load_ps(right), _mm_load_ps(enlarged)};
+        }
+    };
+    // Finds where triangles have to be filed. The points to come have an x of at least `from_x`.
+    void prepare(Four& four, float from_x) const;
+    // Files the triangles of that third corner with these numbers: four times the place among `fours`, which
+    // are prepared, plus the lane.
+    void file(const Four* fours, std::span<const std::uint32_t> numbers, Place third);
     // Moves the triangles whose circle has the point inside into the cavity.
     void take_around(const Vertex& point, Cavity& cavity);
 
@@ -33,13 +50,16 @@ class LiveCircles {
     std::vector<FinishedTriangle> finish();
 
   private:
-    // Four circles. A lane without one has a negative enlarged radius, which has nothing inside.
+    static constexpr unsigned block_size = 8;
+    // Eight circles. A lane without one has a negative enlarged radius, which has nothing inside.
     struct alignas(64) Block {
-        float cx[4], cy[4], enlarged[4] = {-1, -1, -1, -1}, right[4];
-        Corners corners[4];
+        float cx[block_size], cy[block_size], enlarged[block_size] = {-1, -1, -1, -1, -1, -1, -1, -1};
+        float right[block_size];
+        Corners corners[block_size];
 
-        Circles circles() const {
-            return {_mm_load_ps(cx), _mm_load_ps(cy), _mm_load_ps(right), _mm_load_ps(enlarged)};
+        Circles four_from(unsigned lane) const {
+            return {_mm_load_ps(cx + lane), _mm_load_ps(cy + lane), _mm_load_ps(right + lane),
+                    _mm_load_ps(enlarged + lane)};
         }
     };
     // Only the first block of a node has free lanes, the high ones.
@@ -50,12 +70,38 @@ class LiveCircles {
     struct Leaves {
         __m128i lowest, highest;
     };
+    // What filing has at hand, and changes without looking at any other member.
+    struct Filing {
+        Block* blocks;
+        Node* nodes;
+        std::uint32_t* next;
+        std::uint32_t free_block;
+
+        void put(std::uint32_t node, float cx, float cy, float enlarged, float right, const Corners& corners);
+    };
 
     Leaves leaves_touched(const Circles& circles, float from_x) const;
+    std::uint32_t node_for(std::uint32_t lowest_leaf, std::uint32_t highest_leaf) const {
+        return (m_leaves + lowest_leaf) >> m_levels_up[lowest_leaf ^ highest_leaf];
+    }
     __m128i leaf_of(__m128 y) const;
-    std::uint32_t new_place(Node& node);
-    void remove(std::uint32_t place);
-    std::size_t find_around(const Vertex& point);
+    Filing begin_filing(std::size_t circles);
+    void file_again(const Block& block, unsigned lanes, float from_x);
+
+    // Where to look for circles, and where to list them.
+    struct Search {
+        const Block* blocks;
+        const std::uint32_t* next;
+        const Node* nodes;
+        std::uint32_t leaf;
+        std::uint32_t* hits;
+    };
+    static std::size_t find_around(const Vertex& point, const Search& search);
+    __attribute__((target("avx2"))) static std::size_t find_around_avx2(const Vertex& point,
+                                                                        const Search& search);
+    void make_room_for_hits();
+    std::size_t list_passed(float x);
+
     void clear_blocks(std::size_t count);
     void add_free_blocks(std::uint32_t first);
     unsigned circles_in(const Block& block) const;
@@ -63,11 +109,12 @@ class LiveCircles {
     void add_finished(float cx, float cy, const Corners& corners);
 
     const SweepVertices& m_sweep;
+    const bool m_avx2;
     std::vector<FinishedTriangle> m_finished;
     std::vector<Block> m_blocks, m_old_blocks; // the first is not used
     std::vector<std::uint32_t> m_next; // of a block: the next in its node, or of the free blocks; 0 is none
-    std::uint32_t m_free_block = 0, m_free_blocks = 0;
-    std::vector<std::uint32_t> m_hits; // circles found: 4 times the block plus the lane
+    std::uint32_t m_free_block = 0;
+    std::vector<std::uint32_t> m_hits; // circles found: eight times the block plus the lane
     std::vector<Node> m_nodes;         // 1 is the root, the children of i are 2 i and 2 i + 1
     // From a leaf to its smallest node with another one, by the bits in which the numbers of the two differ.
     std::vector<std::uint8_t> m_levels_up;

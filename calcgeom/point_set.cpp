@@ -4,20 +4,21 @@
 
 #include <algorithm>
 #include <cmath>
+#include <span>
 
 namespace {
 
-// `spare` has the size of `points`. Stable: equal points stay in the order of the input.
-void sort_by_x_then_y(std::vector<Vertex>& points, std::vector<Vertex>& spare) {
+// Leaves the points of `unsorted` in `points`. Stable: equal points stay in the order of the input.
+void sort_by_x_then_y(std::span<Vertex> unsorted, std::span<Vertex> points) {
     const auto by_x = [](const Vertex& p) { return float_key(p.x); };
-    radix_sort(points, spare, by_x);
+    radix_sort(unsorted, points, by_x);
 
     std::size_t tied = 0;
     for (std::size_t i = 1; i < points.size(); ++i)
         tied += points[i].x == points[i - 1].x;
     if (tied > points.size() / 16) { // columns
-        radix_sort(points, spare, [](const Vertex& p) { return float_key(p.y); });
-        radix_sort(points, spare, by_x);
+        radix_sort(points, unsorted, [](const Vertex& p) { return float_key(p.y); });
+        radix_sort(unsorted, points, by_x);
         return;
     }
     const auto end = points.end();
@@ -32,15 +33,17 @@ void sort_by_x_then_y(std::vector<Vertex>& points, std::vector<Vertex>& spare) {
 
 std::vector<Vertex> point_set(const float* coordinates, std::size_t count) {
     // Whatever depends on the count alone is allocated before the first point is read.
-    std::vector<Vertex> points(count), spare(count);
+    std::vector<Vertex> unsorted(count), points;
+    points.reserve(count + 3); // for who adds a triangle around them
+    points.resize(count);
     std::size_t kept = 0;
     for (std::size_t i = 0; i < count; ++i) {
-        points[kept] = {coordinates[2 * i], coordinates[2 * i + 1]};
-        kept += !std::isnan(points[kept].x) && !std::isnan(points[kept].y);
+        unsorted[kept] = {coordinates[2 * i], coordinates[2 * i + 1]};
+        kept += !std::isnan(unsorted[kept].x) && !std::isnan(unsorted[kept].y);
     }
+    unsorted.resize(kept);
     points.resize(kept);
-    spare.resize(kept);
-    sort_by_x_then_y(points, spare);
+    sort_by_x_then_y(unsorted, points);
     const auto equal = [](const Vertex& a, const Vertex& b) { return a.x == b.x && a.y == b.y; };
     points.erase(std::unique(points.begin(), points.end(), equal), points.end());
     return points;

@@ -12,7 +12,7 @@ struct Ranked {
     std::uint32_t key;   // float_key of a coordinate of the centre
     std::uint32_t index; // into the triangles
 };
-using Run = std::vector<Ranked>::iterator;
+using Run = std::span<Ranked>::iterator;
 
 // The point at which the sweep finishes the triangle: the first after its last vertex that lies beyond its
 // circle, or the end. Points beyond are the tail of the order; no point is beyond what is not a number.
@@ -60,17 +60,15 @@ void for_runs(Run begin, Run end, Alike alike, SortRun sort_run) {
     }
 }
 
-} // namespace
-
-std::vector<std::uint32_t> result_order(std::span<const FinishedTriangle> triangles,
-                                        const SweepVertices& sweep) {
-    std::vector<Ranked> ranked(triangles.size()), spare(triangles.size());
+// What comes out is in `ranked`.
+void rank(std::span<const FinishedTriangle> triangles, const SweepVertices& sweep, std::span<Ranked> ranked,
+          std::span<Ranked> spare) {
     const auto by_key = [](const Ranked& r) { return r.key; };
     const auto equal_keys = [](const Ranked& a, const Ranked& b) { return a.key == b.key; };
     const auto key_of_y = [&](const Ranked& r) { return float_key(triangles[r.index].cy); };
     for (std::uint32_t i = 0; i < ranked.size(); ++i)
-        ranked[i] = {float_key(triangles[i].cx), i};
-    radix_sort(ranked, spare, by_key);
+        spare[i] = {float_key(triangles[i].cx), i};
+    radix_sort(spare, ranked, by_key);
 
     std::size_t tied = 0;
     for (std::size_t i = 1; i < ranked.size(); ++i)
@@ -79,9 +77,9 @@ std::vector<std::uint32_t> result_order(std::span<const FinishedTriangle> triang
         for (Ranked& r : ranked)
             r.key = key_of_y(r);
         radix_sort(ranked, spare, by_key);
-        for (Ranked& r : ranked)
+        for (Ranked& r : spare)
             r.key = float_key(triangles[r.index].cx);
-        radix_sort(ranked, spare, by_key);
+        radix_sort(spare, ranked, by_key);
     }
     const auto by_y = [&](const Ranked& a, const Ranked& b) { return key_of_y(a) < key_of_y(b); };
     const auto equal_y = [&](const Ranked& a, const Ranked& b) { return key_of_y(a) == key_of_y(b); };
@@ -93,8 +91,29 @@ std::vector<std::uint32_t> result_order(std::span<const FinishedTriangle> triang
             });
         });
     });
+}
 
-    std::vector<std::uint32_t> order(ranked.size());
-    std::transform(ranked.begin(), ranked.end(), order.begin(), [](const Ranked& r) { return r.index; });
-    return order;
+} // namespace
+
+std::unique_ptr<float[]> in_result_order(std::span<const FinishedTriangle> triangles,
+                                         const SweepVertices& sweep) {
+    // New memory is slow, and the array is large enough to sort in: the ranks end in its last third, where no
+    // triangle is written over one that is still to come.
+    constexpr std::size_t floats = 6;
+    static_assert(3 * sizeof(Ranked) == floats * sizeof(float));
+    const std::size_t count = triangles.size();
+    auto array = std::make_unique_for_overwrite<float[]>(floats * count);
+    auto* const first_third = reinterpret_cast<Ranked*>(array.get());
+    const std::span ranked(first_third + 2 * count, count);
+    rank(triangles, sweep, ranked, std::span(first_third, count));
+    float* out = array.get();
+    for (std::size_t i = 0; i < count; ++i) {
+        const FinishedTriangle& triangle = triangles[ranked[i].index];
+        for (const Place place : {triangle.v1, triangle.v2, triangle.v3}) {
+            const Vertex vertex = sweep.vertices[place];
+            *out++ = vertex.x;
+            *out++ = vertex.y;
+        }
+    }
+    return array;
 }

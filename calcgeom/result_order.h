@@ -3,9 +3,8 @@
 
 #include "calcgeom/super_triangle.h"
 
-#include <cstdint>
+#include <memory>
 #include <span>
-#include <vector>
 
 // A triangle that no later point can change. v3 is the point
 // that made the triangle.
@@ -14,7 +13,7 @@ struct FinishedTriangle {
     Place v1, v2, v3;
 };
 
-// Indices of the triangles by centre x, then y (what is not a number comes last), then by the point at which
-// the sweep would have finished the triangle, then by its creation.
-std::vector<std::uint32_t> result_order(std::span<const FinishedTriangle> triangles,
-                                        const SweepVertices& sweep);
+// The coordinates of the triangles, six each, by centre x, then y (what is not a number comes last), then by
+// the point at which the sweep would have finished the triangle, then by its creation.
+std::unique_ptr<float[]> in_result_order(std::span<const FinishedTriangle> triangles,
+                                         const SweepVertices& sweep);

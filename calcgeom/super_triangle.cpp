@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <utility>
 
 namespace {
 
@@ -36,25 +37,21 @@ Place SweepVertices::first_equal(Place place) const {
     return place;
 }
 
-SweepVertices with_super_triangle(const std::vector<Vertex>& points) {
+SweepVertices with_super_triangle(std::vector<Vertex> points) {
     const auto corners = super_corners(points);
     std::array<std::size_t, 3> by_place{0, 1, 2};
     std::stable_sort(by_place.begin(), by_place.end(),
                      [&](std::size_t i, std::size_t j) { return comes_before(corners[i], corners[j]); });
 
-    SweepVertices sweep{};
+    SweepVertices sweep{std::move(points), {}, false};
     auto& vertices = sweep.vertices;
-    vertices.reserve(points.size() + corners.size());
     std::array<Place, 3> places{};
-    auto next = points.begin();
+    auto from = vertices.begin();
     for (const std::size_t corner : by_place) {
-        const auto end = std::upper_bound(next, points.end(), corners[corner], comes_before);
-        vertices.insert(vertices.end(), next, end);
-        next = end;
-        places[corner] = static_cast<Place>(vertices.size());
-        vertices.push_back(corners[corner]);
+        const auto place = std::upper_bound(from, vertices.end(), corners[corner], comes_before);
+        places[corner] = static_cast<Place>(place - vertices.begin());
+        from = vertices.insert(place, corners[corner]) + 1;
     }
-    vertices.insert(vertices.end(), next, points.end());
 
     sweep.super = {places[0], places[1], places[2]};
     for (const Place place : places)

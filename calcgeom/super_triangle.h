@@ -26,5 +26,5 @@ struct SweepVertices {
     Place first_equal(Place place) const;
 };
 
-// `points` as point_set gives them, at least one.
-SweepVertices with_super_triangle(const std::vector<Vertex>& points);
+// `points` as point_set gives them, at least one; best with room for three more.
+SweepVertices with_super_triangle(std::vector<Vertex> points);
