@@ -43,7 +43,7 @@ TEST(Traverse, SurvivesWhatTheCallbackDeletes) {
 TEST(Traverse, HandsOutNothingWhereANameHoldsTheDelimiter) {
     Messages messages;
     const Env env;
-    read_text(env, "[S]\na =1\nb ={\n a@2 =odd\n a =1\n}\nf =3\n[T]\ng =4\n");
+    read_text(env, "[S]\na =1\nb ={\n a@2 =odd\n a =1\n}\nf@9 =odd\n[T]\ng =4\n");
     Visits visits;
     EXPECT_EQ(visits.over(env, "S", "b"), ENV_OK);
     EXPECT_EQ(visits.lines, (Texts{"S:b@a@2@1=null", "S:b@a@1=1"})); // a child '1' of the second 'a'
@@ -51,7 +51,7 @@ TEST(Traverse, HandsOutNothingWhereANameHoldsTheDelimiter) {
     visits.lines.clear();
     EXPECT_EQ(env_traverse_leafs(env, Visits::visit, &visits), ENV_INVALID);
     EXPECT_EQ(visits.lines, Texts{"S:a@1=1"}); // the rest is passed over
-    EXPECT_EQ(messages.take(), (Texts{"Nil parametr", "switch error!", "Nil parametr"}));
+    EXPECT_EQ(messages.take(), (Texts{"Nil parametr", "switch error!", "Nil parametr", "Nil parametr"}));
     EXPECT_EQ(visits.over(env, "S", "@"), ENV_BAD_PATH);
     EXPECT_EQ(messages.take(), Texts{"Bad Path was given"});
     EXPECT_EQ(visits.over(env, "nowhere"), -2); // kept: not -4
@@ -108,6 +108,17 @@ TEST(Sink, FailsForABadModeAndWithNothingToWalk) {
     for (const int mode : {0, 1, 2})
         EXPECT_EQ(env_sink(dst, sub, mode), ENV_INVALID) << mode;
     EXPECT_EQ(written(dst), "");
+}
+
+// Occurrence numbers are no numbers then.
+TEST(Sink, FollowsThePathsThatADigitSplits) {
+    const Env dst, src;
+    for (int i = 1; i <= 10; ++i)
+        env_put(src, "S", numbered("x@", i).c_str(), numbered("v", i).c_str());
+    env_set_delimiter("9");
+    EXPECT_EQ(env_sink(dst, src, 2), ENV_OK);
+    env_set_delimiter("@");
+    EXPECT_EQ(text_at(dst, "S", "x@8") + text_at(dst, "S", "x@9") + text_at(dst, "S", "x@10"), "v8v10");
 }
 
 TEST(Sink, CopiesTextsOf254BytesAndStopsAtLongerOnes) {
