@@ -96,7 +96,7 @@ void Caller::check_state(const char* who, std::uint32_t x87, std::uint32_t mxcsr
 
 void Caller::note_bytes(const void* bytes, std::size_t size) {
     std::uint32_t hash = 2166136261u; // FNV-1a
-    for (std::size_t i = 0; i < size; ++i)
+    for (std::size_t i = 0; bytes && i < size; ++i)
         hash = (hash ^ static_cast<const unsigned char*>(bytes)[i]) * 16777619u;
     note(size, hash);
 }
@@ -104,4 +104,8 @@ void Caller::note_bytes(const void* bytes, std::size_t size) {
 void Caller::note_file(const std::string& path) {
     const std::string bytes = read_file(path);
     note_bytes(bytes.data(), bytes.size());
+}
+
+std::string Caller::file_content() const {
+    return written_file.empty() ? "" : read_file(written_file);
 }

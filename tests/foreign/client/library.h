@@ -143,7 +143,6 @@ LIBRARY int ConvertToUTF8(const char*, char*);
 LIBRARY int jpgToXML(const char* path, char* out, int* length, int length_only);
 
 // The system.
-SYSTEM void* __stdcall GetStdHandle(unsigned);
 SYSTEM int __stdcall WriteFile(void*, const void*, unsigned, unsigned*, void*);
 SYSTEM int __stdcall ReadFile(void*, void*, unsigned, unsigned*, void*);
 SYSTEM void* __stdcall CreateFileA(const char*, unsigned access, unsigned share, void*, unsigned how,

@@ -20,15 +20,9 @@ void* memcpy(void* to, const void* from, unsigned size) {
 
 namespace {
 
-constexpr unsigned standard_error = static_cast<unsigned>(-12), generic_read = 0x80000000,
-                   generic_write = 0x40000000;
+constexpr unsigned generic_read = 0x80000000, generic_write = 0x40000000;
 constexpr unsigned create_always = 2, open_existing = 3, share_all = 7;
-bool failed = false;
-
-void write(const char* text) {
-    unsigned written = 0;
-    WriteFile(GetStdHandle(standard_error), text, length_of(text), &written, nullptr);
-}
+unsigned first_failure = 0;
 
 } // namespace
 
@@ -77,21 +71,13 @@ const char* read_file(const char* name) {
     return bytes;
 }
 
-void check(bool condition, const char* text, int line) {
-    if (condition) return;
-    failed = true;
-    char number[] = "0000: ";
-    for (int i = 3; i >= 0; --i, line /= 10)
-        number[i] = static_cast<char>('0' + line % 10);
-    write("client.cpp:");
-    write(number);
-    write(text);
-    write("\r\n");
+void check(bool condition, unsigned line) {
+    if (!condition && first_failure == 0) first_failure = line;
 }
 
 extern "C" int __stdcall WinMain(void*, void*, char*, int) {
     main_program();
-    return failed ? 1 : 0;
+    return static_cast<int>(first_failure);
 }
 
 extern "C" void entry() {

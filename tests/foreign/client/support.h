@@ -10,8 +10,8 @@ void write_file(const char* name, const char* bytes, unsigned size);
 // The file's first bytes, terminated; in a place that the next call uses again.
 const char* read_file(const char* name);
 
-// Tells which check failed, and makes the program's exit code 1.
-void check(bool condition, const char* text, int line);
-#define CHECK(condition) check(condition, #condition, __LINE__)
+// The program's exit code is the line of the first check that failed.
+void check(bool condition, unsigned line);
+#define CHECK(condition) check(condition, __LINE__)
 
 void main_program();
