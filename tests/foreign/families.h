@@ -21,7 +21,6 @@ void use_filters(Caller& caller);
 void use_own_filter(Caller& caller);
 void use_gdi(Caller& caller);
 void use_gdiplus(Caller& caller);
-void use_gdiplus_briefly(Caller& caller);
 
 inline constexpr Family families[] = {
     {"environment", use_environment}, {"files", use_files},           {"classes", use_classes},

@@ -244,12 +244,3 @@ void use_gdiplus(Caller& caller) {
     }
     AT(gdiPlusExit)();
 }
-
-void use_gdiplus_briefly(Caller& caller) {
-    Pictures pictures(caller);
-    BvUtilImage image = nullptr;
-    AT(gdiPlusInit)();
-    AT(gdiPlusGetBitmapFromHBitmap)(pictures.bitmap, &image);
-    AT(gdiPlusFreeImage)(image);
-    AT(gdiPlusExit)();
-}
