@@ -19,13 +19,13 @@ Edge ordered(std::uint32_t p, std::uint32_t q) {
 } // namespace
 
 std::span<const Edge> Cavity::boundary() {
-    constexpr std::size_t room_behind = 4, worthwhile_fan = 6, few_others = 8;
-    const std::size_t most = 3 * (m_count + m_fan_size) + room_behind;
+    constexpr std::size_t room_behind = 8, few_others = 8;
+    const std::size_t most = 3 * (m_count + m_fan.size) + room_behind;
     if (m_boundary.size() < most) m_boundary.resize(2 * most);
-    if (m_fan_size >= worthwhile_fan && m_count <= few_others && !m_sweep.corners_coincide)
+    if (has_large_fan() && m_count <= few_others && !m_sweep.corners_coincide)
         return {m_boundary.data(), find_boundary_of_fan()};
 
-    for (const auto& [first, second] : std::span(m_fan.data(), m_fan_size))
+    for (const auto& [first, second] : m_fan.used())
         add({first, second, m_fan_point, 0});
     if (m_avx2 && m_count <= most_for_boundary_avx2 && !m_sweep.corners_coincide)
         if (const std::size_t count = boundary_avx2(m_triangles.data(), m_count, m_boundary.data()))
@@ -40,7 +40,7 @@ std::span<const Edge> Cavity::boundary() {
 
 // The edges from the fan's point that an odd number of its triangles have.
 std::size_t Cavity::find_spokes(Edge* spokes) {
-    const std::span fan(m_fan.data(), m_fan_size);
+    const std::span fan = m_fan.used();
     std::uint8_t* const is_end = m_is_end.data();
     for (const auto& [first, second] : fan) {
         is_end[first] ^= 1;
@@ -62,8 +62,8 @@ std::size_t Cavity::find_spokes(Edge* spokes) {
 // spokes concern the fan alone, and its other edges are boundary unless one of the few has them, too.
 std::size_t Cavity::find_boundary_of_fan() {
     Edge* const boundary = m_boundary.data();
-    std::size_t count = m_fan_size;
-    std::copy_n(m_fan.data(), count, boundary);
+    std::size_t count = m_fan.size;
+    std::copy_n(m_fan.edges.data(), count, boundary);
     const auto toggle = [&](Place p, Place q) {
         const Edge edge = ordered(p, q);
         Edge* const same = std::find(boundary, boundary + count, edge);

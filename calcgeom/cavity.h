@@ -26,10 +26,10 @@ struct Edge {
 class Cavity {
   public:
     Cavity(const SweepVertices& sweep, CpuLevel level)
-        : m_sweep(sweep), m_avx2(level >= CpuLevel::avx2), m_triangles(64), m_fan(64), m_boundary(256),
+        : m_sweep(sweep), m_avx2(level >= CpuLevel::avx2), m_triangles(64), m_boundary(256),
           m_numbers(sweep.vertices.size()), m_is_end(sweep.vertices.size()) {}
 
-    void clear() { m_count = m_fan_size = 0; }
+    void clear() { m_count = m_fan.size = 0; }
     void add(const Corners& corners) {
         if (m_count == m_triangles.size()) m_triangles.resize(2 * m_count);
         m_triangles[m_count++] = corners;
@@ -44,21 +44,31 @@ class Cavity {
     // Triangles that the sweep's latest point has made with edges, no two of them equal.
     void begin_fan(Place point) {
         m_fan_point = point;
-        m_fan_size = 0;
+        m_fan.size = 0;
     }
-    void add_of_fan(const Edge (&four)[4], unsigned lanes) {
-        if (m_fan_size + 4 > m_fan.size()) m_fan.resize(2 * m_fan.size());
-        const LanesOfMask& set = lanes_of[lanes];
-        for (std::size_t i = 0; i < 4; ++i)
-            m_fan[m_fan_size + i] = four[set.lanes[i]];
-        m_fan_size += set.count;
-    }
+    void add_of_fan(const Edge (&eight)[8], unsigned lanes) { m_fan.add(eight, lanes); }
+    bool has_large_fan() const { return m_fan.size >= large_fan; }
 
-    // The edges that an odd number of the triangles have, in no order, each once. Behind them at least three
+    // The edges that an odd number of the triangles have, in no order, each once. Behind them at least seven
     // more may be read.
     std::span<const Edge> boundary();
 
   private:
+    static constexpr std::size_t large_fan = 6;
+    // The edges opposite the fan's point.
+    struct FanEdges {
+        std::vector<Edge> edges = std::vector<Edge>(64);
+        std::size_t size = 0;
+
+        void add(const Edge (&eight)[8], unsigned lanes) {
+            if (size + 8 > edges.size()) edges.resize(2 * edges.size());
+            const LanesOfEight& set = lanes_of_eight.of_mask[lanes];
+            for (std::size_t i = 0; i < 8; ++i)
+                edges[size + i] = eight[set.lanes[i]];
+            size += set.count;
+        }
+        std::span<const Edge> used() const { return {edges.data(), size}; }
+    };
     std::size_t find_boundary_of_fan();
     std::size_t find_spokes(Edge* spokes);
     template <unsigned words>
@@ -70,8 +80,7 @@ class Cavity {
     const bool m_avx2;
     std::vector<Corners> m_triangles;
     std::size_t m_count = 0;
-    std::vector<Edge> m_fan; // the edges opposite the fan's point
-    std::size_t m_fan_size = 0;
+    FanEdges m_fan;
     Place m_fan_point = 0;
     std::vector<Edge> m_boundary;
 

@@ -4,6 +4,7 @@
 #include "calcgeom/live_circles.h"
 #include "calcgeom/point_set.h"
 
+#include <array>
 #include <span>
 #include <utility>
 
@@ -17,10 +18,11 @@ std::vector<FinishedTriangle> sweep_over(const SweepVertices& sweep, CpuLevel le
     if (mask_of(_mm_cmpge_ps(around.enlarged, _mm_setzero_ps())) == 0) return {};
 
     LiveCircles live(sweep, level);
-    Fan fan(sweep);
+    Fan fan(sweep, level);
     Cavity cavity(sweep, level);
-    const Edge base[4] = {{a, b}, {a, b}, {a, b}, {a, b}}; // one, and three that may be read
-    fan.connect(c, std::span(base, 1));
+    std::array<Edge, block_size> base; // one, and seven that may be read
+    base.fill({a, b});
+    fan.connect(c, std::span<const Edge>(base).first(1));
     for (Place point = 0; point < vertices.size(); ++point) {
         if (sweep.super.has(point)) continue;
         if (live.slab_ends_before(point)) live.begin_slab(point);

@@ -6,7 +6,9 @@
 #pragma once
 
 #include "calcgeom/cavity.h"
+#include "calcgeom/circle_kernels.h"
 #include "calcgeom/live_circles.h"
+#include "module/cpu_level.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -15,21 +17,22 @@
 
 class Fan {
   public:
-    explicit Fan(const SweepVertices& sweep) : m_sweep(sweep) {}
+    Fan(const SweepVertices& sweep, CpuLevel level) : m_sweep(sweep), m_kernels(circle_kernels(level)) {}
 
     // Moves the triangles whose circle has the point inside into the cavity, files the others; none is left.
     void take_around(const Vertex& point, Cavity& cavity, LiveCircles& live);
     // Files all triangles.
     void file_all(LiveCircles& live);
-    // Triangles from the point to every edge. Three edges more may be read. Their order is the sweep's
+    // Triangles from the point to every edge. Seven edges more may be read. Their order is the sweep's
     // business only where centres are equal, and can be told from the vertices then.
     void connect(Place point, std::span<const Edge> edges);
 
   private:
-    void file(float from_x, LiveCircles& live);
+    void file(LiveCircles& live);
 
     const SweepVertices& m_sweep;
-    std::vector<LiveCircles::Four> m_fours;
+    const CircleKernels& m_kernels;
+    std::vector<FanBlock> m_blocks;
     std::vector<std::uint32_t> m_to_file;
     std::size_t m_used = 0;
     Place m_point = 0;

@@ -14,22 +14,6 @@ namespace {
 
 constexpr std::size_t shortest_slab = 32, points_per_leaf = 16;
 
-// The lanes set in a mask of eight, the highest first.
-struct LanesOfEight {
-    std::uint8_t lanes[8];
-    std::uint32_t count;
-};
-struct LanesOfEightTable {
-    LanesOfEight of_mask[256];
-};
-constexpr LanesOfEightTable lanes_of_eight = [] {
-    LanesOfEightTable table{};
-    for (unsigned mask = 0; mask < 256; ++mask)
-        for (std::uint8_t lane = 8; lane-- > 0;)
-            if (mask >> lane & 1) table.of_mask[mask].lanes[table.of_mask[mask].count++] = lane;
-    return table;
-}();
-
 // What is filed in a lane that holds no circle.
 constexpr float nobody = -1.0f;
 
@@ -42,43 +26,9 @@ constexpr float nobody = -1.0f;
 } // namespace
 
 LiveCircles::LiveCircles(const SweepVertices& sweep, CpuLevel level)
-    : m_sweep(sweep), m_avx2(level >= CpuLevel::avx2), m_nodes(2), m_levels_up(1) {
+    : m_sweep(sweep), m_avx2(level >= CpuLevel::avx2), m_kernels(circle_kernels(level)), m_nodes(2) {
     clear_blocks(64);
     m_finished.reserve(2 * sweep.vertices.size()); // no triangulation in the plane has more
-}
-
-// A point y of the slab is inside only if (x - cx)² + (y - cy)² as calculated is at most E, the enlarged
-// squared radius. Each calculated operation errs by at most u = 2^-24 of its result (a square below the
-// normal range by 2^-150), and nothing cancels after the differences, which err by u as well; hence then (y -
-// cy)² <= E (1 + 5u) - (x - cx)² + 2^-148. Over the rest of the slab |x - cx| is at least D, the distance of
-// cx from the interval of x, calculated with an error of u, its square with 3u. The bound taken below is 2e-6
-// E more than E - D² and at most 2u E less by its own rounding, when 11u = 7e-7 would do, and 1e-36 covers
-// what is too small for relative errors; the surplus also covers the root's rounding. cy - h and cy + h need
-// no margin of their own: rounding is monotone, so y >= cy - h leaves y, a float, at or above the rounded
-// cy - h. The map from y to leaves is monotone, too.
-inline LiveCircles::Leaves LiveCircles::leaves_touched(const Circles& c, float from_x) const {
-    const __m128 before = _mm_sub_ps(_mm_set1_ps(from_x), c.cx);
-    const __m128 behind = _mm_sub_ps(c.cx, _mm_set1_ps(m_slab_right));
-    const __m128 distance = _mm_max_ps(_mm_max_ps(before, behind), _mm_setzero_ps());
-    const __m128 bound =
-        _mm_sub_ps(_mm_mul_ps(c.enlarged, _mm_set1_ps(1.000002f)), _mm_mul_ps(distance, distance));
-    const __m128 h = _mm_sqrt_ps(_mm_add_ps(_mm_max_ps(bound, _mm_setzero_ps()), _mm_set1_ps(1e-36f)));
-    const __m128i lowest = leaf_of(_mm_sub_ps(c.cy, h)), highest = leaf_of(_mm_add_ps(c.cy, h));
-
-    // An infinite circle may have anything inside.
-    const __m128 finite = _mm_cmplt_ps(c.enlarged, _mm_set1_ps(std::numeric_limits<float>::infinity()));
-    if (mask_of(finite) == all_lanes) return {lowest, highest};
-    const __m128i mask = _mm_castps_si128(finite), last = _mm_set1_epi32(static_cast<int>(m_leaves - 1));
-    return {_mm_and_si128(mask, lowest),
-            _mm_or_si128(_mm_and_si128(mask, highest), _mm_andnot_si128(mask, last))};
-}
-
-// Monotone for all floats: 0 · infinity, of a slab without height, is brought to 0 by max's second operand.
-inline __m128i LiveCircles::leaf_of(__m128 y) const {
-    const __m128 scaled =
-        _mm_mul_ps(_mm_sub_ps(y, _mm_set1_ps(m_slab_bottom)), _mm_set1_ps(m_leaves_per_unit));
-    const __m128 last = _mm_set1_ps(static_cast<float>(m_leaves - 1));
-    return _mm_cvttps_epi32(_mm_min_ps(_mm_max_ps(scaled, _mm_setzero_ps()), last));
 }
 
 // All blocks without a circle, in the chain of the free ones.
@@ -134,27 +84,21 @@ inline void LiveCircles::Filing::put(std::uint32_t number, float cx, float cy, f
     block.corners[lane] = {corners.v1, corners.v2, corners.v3, number};
 }
 
-void LiveCircles::prepare(Four& four, float from_x) const {
-    const Leaves touched = leaves_touched(four.circles(), from_x);
-    _mm_store_si128(reinterpret_cast<__m128i*>(four.lowest_leaf), touched.lowest);
-    _mm_store_si128(reinterpret_cast<__m128i*>(four.highest_leaf), touched.highest);
-}
-
-void LiveCircles::file(const Four* fours, std::span<const std::uint32_t> numbers, Place third) {
+void LiveCircles::file(const FanBlock* blocks, std::span<const std::uint32_t> numbers, Place third) {
     Filing filing = begin_filing(numbers.size());
     m_size += numbers.size();
     for (const std::uint32_t number : numbers) {
-        const Four& four = fours[number / 4];
-        const std::uint32_t i = number % 4;
-        const auto [first, second] = four.edges[i];
+        const FanBlock& from = blocks[number / block_size];
+        const std::uint32_t i = number % block_size;
+        const auto [first, second] = from.edges[i];
         // A circle that is not a number has nothing inside and is never passed: it stays to the end.
-        if (!(four.enlarged[i] >= 0)) {
-            add_finished(four.cx[i], four.cy[i], {first, second, third, 0});
+        if (!(from.enlarged[i] >= 0)) {
+            add_finished(from.cx[i], from.cy[i], {first, second, third, 0});
             --m_size;
             continue;
         }
-        filing.put(node_for(four.lowest_leaf[i], four.highest_leaf[i]), four.cx[i], four.cy[i],
-                   four.enlarged[i], four.right[i], {first, second, third, 0});
+        filing.put(from.nodes[i], from.cx[i], from.cy[i], from.enlarged[i], from.right[i],
+                   {first, second, third, 0});
     }
     m_free_block = filing.free_block;
 }
@@ -162,19 +106,15 @@ void LiveCircles::file(const Four* fours, std::span<const std::uint32_t> numbers
 // The circles in some lanes of a block of the slab that has ended.
 void LiveCircles::file_again(const Block& block, unsigned lanes, float from_x) {
     Filing filing = begin_filing(block_size);
-    for (unsigned half = 0; half < block_size; half += 4) {
-        const Leaves touched = leaves_touched(block.four_from(half), from_x);
-        alignas(16) std::uint32_t lowest[4], highest[4];
-        _mm_store_si128(reinterpret_cast<__m128i*>(lowest), touched.lowest);
-        _mm_store_si128(reinterpret_cast<__m128i*>(highest), touched.highest);
-        const LanesOfMask& set = lanes_of[lanes >> half & all_lanes];
-        for (std::size_t n = 0; n < set.count; ++n) {
-            const std::uint32_t i = set.lanes[n], lane = half + i;
-            filing.put(node_for(lowest[i], highest[i]), block.cx[lane], block.cy[lane], block.enlarged[lane],
-                       block.right[lane], block.corners[lane]);
-        }
-        m_size += set.count;
+    alignas(32) std::uint32_t nodes[block_size];
+    m_kernels.find_nodes(block, from_x, m_slab, nodes);
+    const LanesOfEight& set = lanes_of_eight.of_mask[lanes];
+    for (std::size_t n = 0; n < set.count; ++n) {
+        const std::uint32_t lane = set.lanes[n];
+        filing.put(nodes[lane], block.cx[lane], block.cy[lane], block.enlarged[lane], block.right[lane],
+                   block.corners[lane]);
     }
+    m_size += set.count;
     m_free_block = filing.free_block;
 }
 
@@ -236,8 +176,8 @@ void LiveCircles::make_room_for_hits() {
 
 void LiveCircles::take_around(const Vertex& point, Cavity& cavity) {
     make_room_for_hits();
-    const auto leaf = static_cast<std::uint32_t>(_mm_cvtsi128_si32(leaf_of(_mm_set1_ps(point.y))));
-    const Search search{m_blocks.data(), m_next.data(), m_nodes.data(), m_leaves + leaf, m_hits.data()};
+    const Search search{m_blocks.data(), m_next.data(), m_nodes.data(), m_slab.leaf_of(point.y),
+                        m_hits.data()};
     const std::size_t count = m_avx2 ? find_around_avx2(point, search) : find_around(point, search);
     Corners* taken = cavity.append(count);
     Block* const blocks = m_blocks.data();
@@ -286,32 +226,24 @@ void LiveCircles::measure_slab(Place first, std::size_t points) {
         if (m_sweep.super.has(i)) continue;
         bottom = std::min(bottom, vertices[i].y);
         top = std::max(top, vertices[i].y);
-        m_slab_right = vertices[i].x;
+        m_slab.right = vertices[i].x;
     }
-    m_leaves = std::bit_ceil(static_cast<std::uint32_t>(points / points_per_leaf));
-    for (auto known = static_cast<std::uint32_t>(m_levels_up.size()); known < m_leaves; ++known)
-        m_levels_up.push_back(static_cast<std::uint8_t>(std::bit_width(known)));
-    m_slab_bottom = bottom;
-    m_leaves_per_unit = static_cast<float>(m_leaves) / (top - bottom);
+    m_slab.leaves = std::bit_ceil(static_cast<std::uint32_t>(points / points_per_leaf));
+    m_slab.bottom = bottom;
+    m_slab.leaves_per_unit = static_cast<float>(m_slab.leaves) / (top - bottom);
 }
 
 // Lists the circles of the slab that has ended which lie behind, as hits; how many.
 std::size_t LiveCircles::list_passed(float x) {
     make_room_for_hits();
     std::size_t count = 0;
-    const __m128i zero = _mm_setzero_si128();
     for (std::size_t i = 0; i < m_old_blocks.size(); ++i) {
         const Block& block = m_old_blocks[i];
         const auto of_four = [&](unsigned half) {
             return mask_of(_mm_cmpgt_ps(_mm_set1_ps(x), _mm_load_ps(block.right + half))) << half;
         };
         const LanesOfEight& lanes = lanes_of_eight.of_mask[circles_in(block) & (of_four(0) | of_four(4))];
-        const __m128i words =
-            _mm_unpacklo_epi8(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(lanes.lanes)), zero);
-        const __m128i place = _mm_set1_epi32(static_cast<int>(block_size * i));
-        auto* const hits = reinterpret_cast<__m128i*>(m_hits.data() + count);
-        _mm_storeu_si128(hits, _mm_add_epi32(place, _mm_unpacklo_epi16(words, zero)));
-        _mm_storeu_si128(hits + 1, _mm_add_epi32(place, _mm_unpackhi_epi16(words, zero)));
+        list_lanes(lanes, static_cast<std::uint32_t>(block_size * i), &m_hits[count]);
         count += lanes.count;
     }
     return count;
@@ -330,7 +262,7 @@ void LiveCircles::begin_slab(Place first) {
     const std::size_t live = m_size - passed;
     measure_slab(first, std::max(live, shortest_slab));
     m_most_circles = 3 * live + 4 * shortest_slab;
-    m_nodes.assign(2 * m_leaves, Node{});
+    m_nodes.assign(2 * m_slab.leaves, Node{});
     clear_blocks(m_old_blocks.size());
     m_size = 0;
     for (const Block& block : m_old_blocks)

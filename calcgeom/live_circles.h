@@ -9,7 +9,7 @@
 #pragma once
 
 #include "calcgeom/cavity.h"
-#include "calcgeom/circumcircle.h"
+#include "calcgeom/circle_kernels.h"
 #include "calcgeom/result_order.h"
 #include "module/cpu_level.h"
 
@@ -25,23 +25,10 @@ class LiveCircles {
     bool slab_ends_before(Place point) const { return point >= m_slab_end || m_size > m_most_circles; }
     void begin_slab(Place first);
 
-    // Four triangles with the same third corner. Aligned beyond what new promises: the platform's heap keeps
-    // half of that promise.
-    struct alignas(64) Four {
-        float cx[4], cy[4], right[4], enlarged[4];
-        std::uint32_t lowest_leaf[4], highest_leaf[4]; // as `prepare` sets them
-        Edge edges[4];
-        std::uint32_t lanes; // those that hold a triangle
-
-        Circles circles() const {
-            return {_mm_load_ps(cx), _mm_load_ps(cy), _mm_load_ps(right), _mm_load_ps(enlarged)};
-        }
-    };
-    // Finds where triangles have to be filed. The points to come have an x of at least `from_x`.
-    void prepare(Four& four, float from_x) const;
-    // Files the triangles of that third corner with these numbers: four times the place among `fours`, which
-    // are prepared, plus the lane.
-    void file(const Four* fours, std::span<const std::uint32_t> numbers, Place third);
+    const Slab& slab() const { return m_slab; }
+    // Files the triangles of that third corner with these numbers: eight times the place among `blocks`,
+    // whose nodes have been found, plus the lane.
+    void file(const FanBlock* blocks, std::span<const std::uint32_t> numbers, Place third);
     // Moves the triangles whose circle has the point inside into the cavity.
     void take_around(const Vertex& point, Cavity& cavity);
 
@@ -50,11 +37,7 @@ class LiveCircles {
     std::vector<FinishedTriangle> finish();
 
   private:
-    static constexpr unsigned block_size = 8;
-    // Eight circles. A lane without one has a negative enlarged radius, which has nothing inside.
-    struct alignas(64) Block {
-        float cx[block_size], cy[block_size], enlarged[block_size] = {-1, -1, -1, -1, -1, -1, -1, -1};
-        float right[block_size];
+    struct Block : EightCircles {
         Corners corners[block_size];
 
         Circles four_from(unsigned lane) const {
@@ -66,10 +49,6 @@ class LiveCircles {
     struct Node {
         std::uint32_t first_block, circles;
     };
-    // Leaves of the tree.
-    struct Leaves {
-        __m128i lowest, highest;
-    };
     // What filing has at hand, and changes without looking at any other member.
     struct Filing {
         Block* blocks;
@@ -80,11 +59,6 @@ class LiveCircles {
         void put(std::uint32_t node, float cx, float cy, float enlarged, float right, const Corners& corners);
     };
 
-    Leaves leaves_touched(const Circles& circles, float from_x) const;
-    std::uint32_t node_for(std::uint32_t lowest_leaf, std::uint32_t highest_leaf) const {
-        return (m_leaves + lowest_leaf) >> m_levels_up[lowest_leaf ^ highest_leaf];
-    }
-    __m128i leaf_of(__m128 y) const;
     Filing begin_filing(std::size_t circles);
     void file_again(const Block& block, unsigned lanes, float from_x);
 
@@ -110,16 +84,14 @@ class LiveCircles {
 
     const SweepVertices& m_sweep;
     const bool m_avx2;
+    const CircleKernels& m_kernels;
     std::vector<FinishedTriangle> m_finished;
     std::vector<Block> m_blocks, m_old_blocks; // the first is not used
     std::vector<std::uint32_t> m_next; // of a block: the next in its node, or of the free blocks; 0 is none
     std::uint32_t m_free_block = 0;
     std::vector<std::uint32_t> m_hits; // circles found: eight times the block plus the lane
     std::vector<Node> m_nodes;         // 1 is the root, the children of i are 2 i and 2 i + 1
-    // From a leaf to its smallest node with another one, by the bits in which the numbers of the two differ.
-    std::vector<std::uint8_t> m_levels_up;
-    std::uint32_t m_leaves = 1;
     std::size_t m_size = 0, m_most_circles = 0;
     Place m_slab_end = 0;
-    float m_slab_right = 0, m_slab_bottom = 0, m_leaves_per_unit = 0;
+    Slab m_slab;
 };
