@@ -38,9 +38,11 @@ std::span<const Edge> Cavity::boundary() {
     return {m_boundary.data(), count};
 }
 
-// The edges from the fan's point that an odd number of its triangles have.
+// The edges from the fan's point that an odd number of its triangles in the cavity have. The whole fan was
+// made with a boundary, of which every vertex has an even number of edges: hence the fan's other triangles
+// have the same edges an odd number of times, and the fewer are looked at.
 std::size_t Cavity::find_spokes(Edge* spokes) {
-    const std::span fan = m_fan.used();
+    const std::span fan = m_rest_of_fan.size < m_fan.size ? m_rest_of_fan.used() : m_fan.used();
     std::uint8_t* const is_end = m_is_end.data();
     for (const auto& [first, second] : fan) {
         is_end[first] ^= 1;

@@ -41,13 +41,15 @@ class Cavity {
         return m_triangles.data() + std::exchange(m_count, m_count + count);
     }
 
-    // Triangles that the sweep's latest point has made with edges, no two of them equal.
+    // Of the triangles that the sweep's latest point has made with edges, no two of them equal, those that
+    // are in the cavity. Where they are many, all others have to be told, too.
     void begin_fan(Place point) {
         m_fan_point = point;
-        m_fan.size = 0;
+        m_fan.size = m_rest_of_fan.size = 0;
     }
     void add_of_fan(const Edge (&eight)[8], unsigned lanes) { m_fan.add(eight, lanes); }
     bool has_large_fan() const { return m_fan.size >= large_fan; }
+    void add_to_rest_of_fan(const Edge (&eight)[8], unsigned lanes) { m_rest_of_fan.add(eight, lanes); }
 
     // The edges that an odd number of the triangles have, in no order, each once. Behind them at least seven
     // more may be read.
@@ -80,7 +82,7 @@ class Cavity {
     const bool m_avx2;
     std::vector<Corners> m_triangles;
     std::size_t m_count = 0;
-    FanEdges m_fan;
+    FanEdges m_fan, m_rest_of_fan;
     Place m_fan_point = 0;
     std::vector<Edge> m_boundary;
 

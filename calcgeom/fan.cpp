@@ -21,6 +21,9 @@ void Fan::take_around(const Vertex& point, Cavity& cavity, LiveCircles& live) {
     const std::span<const FanBlock> blocks(m_blocks.data(), m_used);
     for (const FanBlock& block : blocks)
         if (block.taken) cavity.add_of_fan(block.edges, block.taken);
+    if (cavity.has_large_fan())
+        for (const FanBlock& block : blocks)
+            if (block.lanes) cavity.add_to_rest_of_fan(block.edges, block.lanes);
     file(live);
 }
 
