@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <bit>
 #include <immintrin.h>
-#include <limits>
 #include <numeric>
 #include <span>
 #include <utility>
@@ -13,6 +12,7 @@
 namespace {
 
 constexpr std::size_t shortest_slab = 32, points_per_leaf = 16;
+constexpr std::size_t columns_per_slab = 3; // longer columns are slabs of their own
 
 // What is filed in a lane that holds no circle.
 constexpr float nobody = -1.0f;
@@ -221,6 +221,11 @@ unsigned LiveCircles::circles_in(const Block& block) const {
 void LiveCircles::measure_slab(Place first, std::size_t points) {
     const auto& vertices = m_sweep.vertices;
     m_slab_end = static_cast<Place>(std::min(vertices.size(), first + points));
+    // A long column is a slab of its own: circles reach into it with the chord at its one x only.
+    const float x = vertices[first].x;
+    if (vertices[std::min<std::size_t>(m_slab_end - 1, first + points / columns_per_slab)].x == x)
+        while (vertices[m_slab_end - 1].x != x)
+            --m_slab_end;
     float bottom = vertices[first].y, top = bottom;
     for (Place i = first; i < m_slab_end; ++i) {
         if (m_sweep.super.has(i)) continue;

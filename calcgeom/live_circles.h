@@ -1,11 +1,11 @@
 // The circles that the sweep can still meet, filed so that a point looks only at those near it.
 //
-// The sweep advances in slabs of as many points as there are circles. For the length of a slab every circle
-// is filed under the interval of y in which a point of the slab can be inside it; a circle that lies mostly
-// to the right of the slab touches it with a short arc only, however large it is. Intervals are kept in a
-// tree over the slab's y range: a circle is in the smallest node that covers its interval, a point looks at
-// the nodes from its leaf to the root. When the slab ends, the circles that lie behind are finished, the
-// others are filed anew, which costs each point about one filing.
+// The sweep advances in slabs of as many points as there are circles, or of one long column. For the length
+// of a slab every circle is filed under the interval of y in which a point of the slab can be inside it; a
+// circle that lies mostly to the right of the slab touches it with a short arc only, however large it is.
+// Intervals are kept in a tree over the slab's y range: a circle is in the smallest node that covers its
+// interval, a point looks at the nodes from its leaf to the root. When the slab ends, the circles that lie
+// behind are finished, the others are filed anew, which costs each point about one filing.
 #pragma once
 
 #include "calcgeom/cavity.h"
