@@ -30,6 +30,8 @@ if [ ! -e "$WINEPREFIX/.ready" ]; then
     ) 9>"$root/build/wine.lock"
 fi
 [ "${1:-}" != --prefix ] || exit 0
+# A server that ends with its last program refuses one that comes at that moment: it stays for some seconds.
+wineserver -p10 </dev/null >/dev/null 2>&1 || true
 # Wine's services and desktop outlive the program that happens to start them, and keep its error output open: who
 # reads that from a pipe, as ctest does, would wait for them as well.
 if [ -p /dev/stderr ]; then
