@@ -57,6 +57,9 @@ void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
 void* operator new[](std::size_t size) {
     return operator new(size);
 }
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
+    return allocate(size);
+}
 void operator delete(void* block) noexcept {
     blocks -= block != nullptr;
     std::free(block);
