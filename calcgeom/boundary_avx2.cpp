@@ -1,6 +1,4 @@
-#include "calcgeom/boundary_avx2.h"
-
-#include "calcgeom/lanes.h"
+#include "calcgeom/boundary_kernels.h"
 
 #include <cstdint>
 #include <immintrin.h>
@@ -12,6 +10,7 @@ constexpr unsigned lanes = 4; // 64-bit ones: an edge each
 // The lanes set in a mask, brought together, as 32-bit lanes.
 struct alignas(32) Gathering {
     std::uint32_t from[2 * lanes];
+    std::uint32_t count;
 };
 struct Gatherings {
     Gathering of_mask[1 << lanes];
@@ -19,10 +18,12 @@ struct Gatherings {
 constexpr Gatherings gatherings = [] {
     Gatherings table{};
     for (unsigned mask = 0; mask < 1 << lanes; ++mask)
-        for (unsigned lane = 0, count = 0; lane < lanes; ++lane)
+        for (unsigned lane = 0; lane < lanes; ++lane)
             if (mask >> lane & 1) {
-                table.of_mask[mask].from[count++] = 2 * lane;
-                table.of_mask[mask].from[count++] = 2 * lane + 1;
+                Gathering& gathering = table.of_mask[mask];
+                std::uint32_t* const to = gathering.from + 2 * gathering.count++;
+                to[0] = 2 * lane;
+                to[1] = 2 * lane + 1;
             }
     return table;
 }();
@@ -69,11 +70,11 @@ __attribute__((target("avx2"))) std::size_t boundary_avx2(const Corners* triangl
             shared_by_more =
                 _mm256_or_si256(shared_by_more, _mm256_cmpgt_epi64(_mm256_set1_epi64x(-2), equal[r]));
             const auto mask = static_cast<unsigned>(_mm256_movemask_pd(_mm256_castsi256_pd(single)));
-            const __m256i order =
-                _mm256_load_si256(reinterpret_cast<const __m256i*>(gatherings.of_mask[mask].from));
+            const Gathering& gathering = gatherings.of_mask[mask];
+            const __m256i order = _mm256_load_si256(reinterpret_cast<const __m256i*>(gathering.from));
             _mm256_storeu_si256(reinterpret_cast<__m256i*>(boundary + kept),
                                 _mm256_permutevar8x32_epi32(some[r], order));
-            kept += lanes_of.data()[mask].count;
+            kept += gathering.count;
         }
     }
     return _mm256_testz_si256(shared_by_more, shared_by_more) ? kept : 0;

@@ -1,10 +1,11 @@
 #include "calcgeom/cavity.h"
 
-#include "calcgeom/boundary_avx2.h"
+#include "calcgeom/boundary_kernels.h"
 
 #include <algorithm>
 #include <bit>
 #include <set>
+#include <span>
 #include <tuple>
 #include <utility>
 
@@ -16,33 +17,77 @@ Edge ordered(std::uint32_t p, std::uint32_t q) {
     return {p ^ change, q ^ change};
 }
 
+// The first of the edges that is the wanted one, or the end, behind which three more can be read.
+Edge* find_edge(Edge* edges, Edge* end, const Edge& wanted) {
+    const __m128i both = _mm_set1_epi64x(std::bit_cast<long long>(wanted));
+    const auto equal_words = [&](const Edge* two) {
+        const __m128i words = _mm_loadu_si128(reinterpret_cast<const __m128i*>(two));
+        return mask_of(_mm_castsi128_ps(_mm_cmpeq_epi32(words, both)));
+    };
+    for (; edges < end; edges += 4) {
+        const unsigned words = equal_words(edges) | equal_words(edges + 2) << 4;
+        if (const unsigned first_words = words & words >> 1 & 0x55)
+            return std::min(edges + std::countr_zero(first_words) / 2, end);
+    }
+    return end;
+}
+
+// For so many edges, and a block that may be read behind them.
+void make_room_for_boundary(std::vector<Edge>& boundary, std::size_t edges) {
+    constexpr std::size_t behind = 16;
+    if (boundary.size() < edges + behind) boundary.resize(2 * edges + behind);
+}
+
 } // namespace
 
-std::span<const Edge> Cavity::boundary() {
-    constexpr std::size_t room_behind = 8, few_others = 8;
-    const std::size_t most = 3 * (m_count + m_fan.size) + room_behind;
-    if (m_boundary.size() < most) m_boundary.resize(2 * most);
-    if (has_large_fan() && m_count <= few_others && !m_sweep.corners_coincide)
-        return {m_boundary.data(), find_boundary_of_fan()};
+bool Cavity::find_boundary_of_few(const Hits& hits, float x) {
+    if (m_level < CpuLevel::avx512 || hits.count == 0 || hits.count > most_for_boundary_avx512 ||
+        m_sweep.corners_coincide)
+        return false;
+    make_room_for_boundary(m_former_boundary, 3 * hits.count);
+    m_boundary_size = boundary_avx512(hits, x, m_former_boundary.data());
+    if (m_boundary_size == 0) return false;
+    m_boundary.swap(m_former_boundary);
+    return true;
+}
 
-    for (const auto& [first, second] : m_fan.used())
-        add({first, second, m_fan_point, 0});
-    if (m_avx2 && m_count <= most_for_boundary_avx2 && !m_sweep.corners_coincide)
+void Cavity::find_boundary() {
+    m_boundary.swap(m_former_boundary);
+    constexpr std::size_t few_others = 8;
+    if (m_fan && m_count <= few_others && !m_sweep.corners_coincide) {
+        m_boundary.swap(m_fan->taken);
+        make_room_for_boundary(m_boundary, 3 * (m_fan->taken_count + m_count));
+        m_boundary_size = find_boundary_of_fan();
+        return;
+    }
+    const std::size_t of_fan = m_fan ? m_fan->taken_count : 0;
+    Corners* const corners = room_for(of_fan);
+    for (std::size_t i = 0; i < of_fan; ++i)
+        corners[i] = {m_fan->taken[i].first, m_fan->taken[i].second, m_fan->third, 0};
+    m_count += of_fan;
+    make_room_for_boundary(m_boundary, 3 * m_count);
+    m_boundary_size = find_boundary_of_triangles();
+}
+
+std::size_t Cavity::find_boundary_of_triangles() {
+    if (m_sweep.corners_coincide) return find_boundary_by_coordinates();
+    if (m_level >= CpuLevel::avx2 && m_count <= most_for_boundary_avx2)
         if (const std::size_t count = boundary_avx2(m_triangles.data(), m_count, m_boundary.data()))
-            return {m_boundary.data(), count};
-    const std::size_t count = m_sweep.corners_coincide ? find_boundary_by_coordinates()
-                              : m_count <= most_for(1) ? find_boundary_in_rows<1>()
-                              : m_count <= most_for(2) ? find_boundary_in_rows<2>()
-                              : m_count <= most_for(8) ? find_boundary_in_rows<8>()
-                                                       : find_large_boundary();
-    return {m_boundary.data(), count};
+            return count;
+    return m_count <= most_for(1)   ? find_boundary_in_rows<1>()
+           : m_count <= most_for(2) ? find_boundary_in_rows<2>()
+           : m_count <= most_for(8) ? find_boundary_in_rows<8>()
+                                    : find_large_boundary();
 }
 
 // The edges from the fan's point that an odd number of its triangles in the cavity have. The whole fan was
 // made with a boundary, of which every vertex has an even number of edges: hence the fan's other triangles
 // have the same edges an odd number of times, and the fewer are looked at.
 std::size_t Cavity::find_spokes(Edge* spokes) {
-    const std::span fan = m_rest_of_fan.size < m_fan.size ? m_rest_of_fan.used() : m_fan.used();
+    if (m_is_end.empty()) m_is_end.resize(m_sweep.vertices.size());
+    const bool fewer_others = m_fan->other_count < m_fan->taken_count;
+    const std::span fan(fewer_others ? m_fan->other_edges.data() : m_boundary.data(),
+                        fewer_others ? m_fan->other_count : m_fan->taken_count);
     std::uint8_t* const is_end = m_is_end.data();
     for (const auto& [first, second] : fan) {
         is_end[first] ^= 1;
@@ -56,7 +101,7 @@ std::size_t Cavity::find_spokes(Edge* spokes) {
         count += std::exchange(is_end[second], std::uint8_t{0});
     }
     for (Edge& spoke : std::span(spokes, count))
-        spoke = ordered(spoke.first, m_fan_point);
+        spoke = ordered(spoke.first, m_fan->third);
     return count;
 }
 
@@ -64,28 +109,28 @@ std::size_t Cavity::find_spokes(Edge* spokes) {
 // spokes concern the fan alone, and its other edges are boundary unless one of the few has them, too.
 std::size_t Cavity::find_boundary_of_fan() {
     Edge* const boundary = m_boundary.data();
-    std::size_t count = m_fan.size;
-    std::copy_n(m_fan.edges.data(), count, boundary);
+    std::size_t count = m_fan->taken_count + find_spokes(boundary + m_fan->taken_count);
     const auto toggle = [&](Place p, Place q) {
         const Edge edge = ordered(p, q);
-        Edge* const same = std::find(boundary, boundary + count, edge);
+        Edge* const same = find_edge(boundary, boundary + count, edge);
         if (same == boundary + count) {
             boundary[count++] = edge;
         } else {
             *same = boundary[--count];
         }
     };
-    for (const auto& [v1, v2, v3, node] : std::span(m_triangles.data(), m_count)) {
+    for (const auto& [v1, v2, v3, right] : std::span(m_triangles.data(), m_count)) {
         toggle(v1, v2);
         toggle(v2, v3);
         toggle(v3, v1);
     }
-    return count + find_spokes(boundary + count);
+    return count;
 }
 
 // With edges as the bits of a triangular matrix over the cavity's vertices, in rows of so many words.
 template <unsigned words>
 std::size_t Cavity::find_boundary_in_rows() {
+    if (m_numbers.empty()) m_numbers.resize(m_sweep.vertices.size());
     std::uint8_t* const numbers = m_numbers.data();
     Place* const vertices = m_vertices.data();
     std::uint32_t* const rows = m_rows.data();
@@ -108,7 +153,7 @@ std::size_t Cavity::find_boundary_in_rows() {
     };
     for (std::size_t i = 0; i < m_count; ++i) {
         if (numbered + 3 > words * word_bits) return find_large_boundary();
-        const auto [v1, v2, v3, node] = m_triangles[i];
+        const auto [v1, v2, v3, right] = m_triangles[i];
         const unsigned n1 = number_of(v1), n2 = number_of(v2), n3 = number_of(v3);
         toggle(n1, n2);
         toggle(n2, n3);
@@ -137,7 +182,7 @@ std::size_t Cavity::find_boundary_in_rows() {
 std::size_t Cavity::find_large_boundary() {
     auto end = m_boundary.begin();
     for (std::size_t i = 0; i < m_count; ++i) {
-        const auto [v1, v2, v3, node] = m_triangles[i];
+        const auto [v1, v2, v3, right] = m_triangles[i];
         for (const Edge& edge : {ordered(v1, v2), ordered(v2, v3), ordered(v3, v1)})
             *end++ = edge;
     }

@@ -8,14 +8,13 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <span>
 #include <utility>
 #include <vector>
 
 // A triangle's vertices, in the order in which they are written; v3 is the point that made the triangle.
 struct Corners {
     Place v1, v2, v3;
-    std::uint32_t node; // for who keeps it
+    float right; // edge of the circle, for who keeps it
 };
 
 struct Edge {
@@ -23,55 +22,59 @@ struct Edge {
     bool operator==(const Edge&) const = default;
 };
 
+struct Hits;
+
+// What a point makes of the triangles that the last one has made: from edges, no two of them equal, to
+// itself.
+struct FanSplit {
+    Place third = 0;                   // the point that made them, the latest of their vertices to be reached
+    std::vector<Edge> taken;           // the edges of those that have the new point inside
+    std::vector<Edge> other_edges;     // of the others, only if a large fan is taken
+    std::vector<std::uint32_t> others; // block_size times the block plus the lane
+    std::size_t taken_count = 0, other_count = 0;
+
+    // For so many, and a block more.
+    void make_room(std::size_t triangles, std::size_t block) {
+        if (taken.size() < triangles + block) taken.resize(2 * triangles + block);
+        if (others.size() < triangles + block) {
+            others.resize(2 * triangles + block);
+            other_edges.resize(others.size());
+        }
+    }
+
+    static constexpr std::size_t large = 6;
+    bool is_large() const { return taken_count >= large; }
+};
+
 class Cavity {
   public:
-    Cavity(const SweepVertices& sweep, CpuLevel level)
-        : m_sweep(sweep), m_avx2(level >= CpuLevel::avx2), m_triangles(64), m_boundary(256),
-          m_numbers(sweep.vertices.size()), m_is_end(sweep.vertices.size()) {}
+    Cavity(const SweepVertices& sweep, CpuLevel level) : m_sweep(sweep), m_level(level), m_triangles(64) {}
 
-    void clear() { m_count = m_fan.size = 0; }
-    void add(const Corners& corners) {
-        if (m_count == m_triangles.size()) m_triangles.resize(2 * m_count);
-        m_triangles[m_count++] = corners;
+    void clear() {
+        m_count = 0;
+        m_fan = nullptr;
     }
-
-    // Room for so many more triangles, which are to be written there.
-    Corners* append(std::size_t count) {
+    // Where up to so many more triangles may be written, and how many were.
+    Corners* room_for(std::size_t count) {
         if (m_count + count > m_triangles.size()) m_triangles.resize(2 * (m_count + count));
-        return m_triangles.data() + std::exchange(m_count, m_count + count);
+        return m_triangles.data() + m_count;
     }
+    void added(std::size_t count) { m_count += count; }
+    // Adds the triangles that are taken of a large fan. They are not there any more when the boundary is
+    // found.
+    void add_large_fan(FanSplit& fan) { m_fan = &fan; }
 
-    // Of the triangles that the sweep's latest point has made with edges, no two of them equal, those that
-    // are in the cavity. Where they are many, all others have to be told, too.
-    void begin_fan(Place point) {
-        m_fan_point = point;
-        m_fan.size = m_rest_of_fan.size = 0;
-    }
-    void add_of_fan(const Edge (&eight)[8], unsigned lanes) { m_fan.add(eight, lanes); }
-    bool has_large_fan() const { return m_fan.size >= large_fan; }
-    void add_to_rest_of_fan(const Edge (&eight)[8], unsigned lanes) { m_rest_of_fan.add(eight, lanes); }
-
-    // The edges that an odd number of the triangles have, in no order, each once. Behind them at least seven
-    // more may be read.
-    std::span<const Edge> boundary();
+    // Finds the boundary: the edges that an odd number of the triangles have, in no order, each once. Behind
+    // them at least fifteen more may be read. They stay until the boundary after the next is looked for.
+    void find_boundary();
+    // The same of hits, around a point at x, when nothing has been added, if there is a way for so few.
+    bool find_boundary_of_few(const Hits& hits, float x);
+    const Edge* boundary() const { return m_boundary.data(); }
+    std::size_t boundary_size() const { return m_boundary_size; }
 
   private:
-    static constexpr std::size_t large_fan = 6;
-    // The edges opposite the fan's point.
-    struct FanEdges {
-        std::vector<Edge> edges = std::vector<Edge>(64);
-        std::size_t size = 0;
-
-        void add(const Edge (&eight)[8], unsigned lanes) {
-            if (size + 8 > edges.size()) edges.resize(2 * edges.size());
-            const LanesOfEight& set = lanes_of_eight.of_mask[lanes];
-            for (std::size_t i = 0; i < 8; ++i)
-                edges[size + i] = eight[set.lanes[i]];
-            size += set.count;
-        }
-        std::span<const Edge> used() const { return {edges.data(), size}; }
-    };
     std::size_t find_boundary_of_fan();
+    std::size_t find_boundary_of_triangles();
     std::size_t find_spokes(Edge* spokes);
     template <unsigned words>
     std::size_t find_boundary_in_rows();
@@ -79,12 +82,12 @@ class Cavity {
     std::size_t find_boundary_by_coordinates();
 
     const SweepVertices& m_sweep;
-    const bool m_avx2;
+    const CpuLevel m_level;
     std::vector<Corners> m_triangles;
     std::size_t m_count = 0;
-    FanEdges m_fan, m_rest_of_fan;
-    Place m_fan_point = 0;
-    std::vector<Edge> m_boundary;
+    FanSplit* m_fan = nullptr;
+    std::vector<Edge> m_boundary, m_former_boundary;
+    std::size_t m_boundary_size = 0;
 
     static constexpr unsigned most_vertices = 256, word_bits = 32;
     // A cavity without holes has two vertices more than triangles.
@@ -92,9 +95,9 @@ class Cavity {
     // The cavity's vertices, numbered as they are met. A vertex has the number noted for it only if it is
     // listed there, among those of this cavity: neither list nor notes ever need clearing.
     std::array<Place, most_vertices> m_vertices{};
-    std::vector<std::uint8_t> m_numbers; // of every vertex of the sweep
+    std::vector<std::uint8_t> m_numbers; // of every vertex of the sweep, if needed
     std::vector<std::uint8_t>
-        m_is_end; // of every vertex of the sweep: 1 while an odd number of spokes end there
+        m_is_end; // of every vertex of the sweep, if needed: 1 while an odd number of spokes end there
     // A bit for each pair of numbers, in the row of the larger: set while the edge is in.
     std::array<std::uint32_t, most_vertices * most_vertices / word_bits> m_rows{};
 };

@@ -12,9 +12,12 @@ LANE_STEP Vertices gathered(const Vertex* vertices, const Place* places) {
     return {_mm_shuffle_ps(low, high, _MM_SHUFFLE(2, 0, 2, 0)),
             _mm_shuffle_ps(low, high, _MM_SHUFFLE(3, 1, 3, 1))};
 }
+LANE_STEP std::size_t list_edges(std::uint32_t set, const Edge* edges, Edge* list) {
+    return list_edges_by_table(set, edges, list);
+}
 #include "calcgeom/circle_kernels_steps.h"
 
 } // namespace four_lanes
 
 const CircleKernels circle_kernels_sse2 = {four_lanes::connect, four_lanes::take_around,
-                                           four_lanes::find_nodes};
+                                           four_lanes::find_nodes, four_lanes::take_hits};

@@ -30,9 +30,12 @@ LANE_STEP Vertices gathered(const Vertex* vertices, const Place* places) {
     return {_mm256_shuffle_ps(low, high, _MM_SHUFFLE(2, 0, 2, 0)),
             _mm256_shuffle_ps(low, high, _MM_SHUFFLE(3, 1, 3, 1))};
 }
+LANE_STEP std::size_t list_edges(std::uint32_t set, const Edge* edges, Edge* list) {
+    return list_edges_by_table(set, edges, list);
+}
 #include "calcgeom/circle_kernels_steps.h"
 
 } // namespace eight_lanes
 
 const CircleKernels circle_kernels_avx2 = {eight_lanes::connect, eight_lanes::take_around,
-                                           eight_lanes::find_nodes};
+                                           eight_lanes::find_nodes, eight_lanes::take_hits};

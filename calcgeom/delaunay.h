@@ -5,12 +5,8 @@
 #include "module/cpu_level.h"
 
 #include <cstddef>
-#include <vector>
 
-struct Triangulation {
-    SweepVertices sweep;
-    std::vector<FinishedTriangle> triangles; // in no order
-};
-
-// The triangulation of `count` pairs x, y, to the bit as bvutil/triangulation.h defines it.
-Triangulation triangulate(const float* coordinates, std::size_t count, CpuLevel level = cpu_level());
+// The triangulation of `count` pairs x, y, to the bit as bvutil/triangulation.h defines it. The result does
+// not depend on `window`, the number of triangles that wait for their place in the order.
+TriangleArray triangulate(const float* coordinates, std::size_t count, CpuLevel level = cpu_level(),
+                          std::size_t window = 1024);

@@ -12,28 +12,28 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <span>
 #include <vector>
 
 class Fan {
   public:
     Fan(const SweepVertices& sweep, CpuLevel level) : m_sweep(sweep), m_kernels(circle_kernels(level)) {}
 
-    // Moves the triangles whose circle has the point inside into the cavity, files the others; none is left.
-    void take_around(const Vertex& point, Cavity& cavity, LiveCircles& live);
+    // Takes the triangles whose circle has the point inside.
+    void take_around(const Vertex& point, const Slab& slab);
+    FanSplit& split() { return m_split; }
+    // Files the others; none is left.
+    void file(LiveCircles& live);
     // Files all triangles.
     void file_all(LiveCircles& live);
-    // Triangles from the point to every edge. Seven edges more may be read. Their order is the sweep's
-    // business only where centres are equal, and can be told from the vertices then.
-    void connect(Place point, std::span<const Edge> edges);
+    // Triangles from the point to every edge. Fifteen edges more may be read, and all stay where they are.
+    // Their order is the sweep's business only where centres are equal, and can be told from the vertices
+    // then.
+    void connect(Place point, const Edge* edges, std::size_t count);
 
   private:
-    void file(LiveCircles& live);
-
     const SweepVertices& m_sweep;
     const CircleKernels& m_kernels;
     std::vector<FanBlock> m_blocks;
-    std::vector<std::uint32_t> m_to_file;
     std::size_t m_used = 0;
-    Place m_point = 0;
+    FanSplit m_split;
 };

@@ -4,218 +4,162 @@
 
 #include <algorithm>
 #include <bit>
-#include <immintrin.h>
-#include <numeric>
+#include <limits>
 #include <span>
-#include <utility>
 
 namespace {
 
 constexpr std::size_t shortest_slab = 32, points_per_leaf = 16;
 constexpr std::size_t columns_per_slab = 3; // longer columns are slabs of their own
 
-// What is filed in a lane that holds no circle.
-constexpr float nobody = -1.0f;
+constexpr std::uint32_t full = 0xFFFFFFFFu; // all slots of a node are used
 
-// Arithmetic, as compilers make a branch of a choice, and nobody can guess it. Inlined in any case: compilers
-// would not by themselves where other instructions are in use.
-[[gnu::always_inline]] inline std::uint32_t either(bool choice, std::uint32_t if_so, std::uint32_t if_not) {
-    return if_not ^ ((if_so ^ if_not) & (0u - static_cast<std::uint32_t>(choice)));
+// Of the slots in use, those whose circle ends before x.
+std::uint32_t slots_behind(const CircleNode& node, std::uint32_t used, float x) {
+    std::uint32_t behind = 0;
+    for (std::uint32_t slot = 0; slot < node_circles && used >> slot != 0; slot += 4) {
+        const auto corners = [&](std::uint32_t i) {
+            return _mm_load_ps(reinterpret_cast<const float*>(&node.corners[slot + i]));
+        };
+        const __m128 right =
+            _mm_movehl_ps(_mm_unpackhi_ps(corners(2), corners(3)), _mm_unpackhi_ps(corners(0), corners(1)));
+        behind |= mask_of(_mm_cmpgt_ps(_mm_set1_ps(x), right)) << slot;
+    }
+    return behind & used;
 }
 
 } // namespace
 
-LiveCircles::LiveCircles(const SweepVertices& sweep, CpuLevel level)
-    : m_sweep(sweep), m_avx2(level >= CpuLevel::avx2), m_kernels(circle_kernels(level)), m_nodes(2) {
-    clear_blocks(64);
-    m_finished.reserve(2 * sweep.vertices.size()); // no triangulation in the plane has more
-}
-
-// All blocks without a circle, in the chain of the free ones.
-void LiveCircles::clear_blocks(std::size_t count) {
-    if (m_blocks.size() < count) m_blocks.resize(count);
-    if (m_next.size() < m_blocks.size()) m_next.resize(m_blocks.size());
-    for (Block& block : m_blocks)
-        std::fill_n(block.enlarged, block_size, nobody);
-    m_free_block = 0;
-    add_free_blocks(1);
-}
-
-void LiveCircles::add_free_blocks(std::uint32_t first) {
-    const auto end = static_cast<std::uint32_t>(m_blocks.size());
-    std::iota(m_next.begin() + first, m_next.begin() + end, first + 1);
-    m_next[end - 1] = std::exchange(m_free_block, first);
-}
+LiveCircles::LiveCircles(const SweepVertices& sweep, CpuLevel level, ResultOrder& finished)
+    : m_sweep(sweep), m_kernels(circle_kernels(level)), m_finished(finished), m_nodes(2), m_used(2),
+      m_more(2) {}
 
 void LiveCircles::add_finished(float cx, float cy, const Corners& corners) {
-    const auto [v1, v2, v3, node] = corners;
+    const auto [v1, v2, v3, right] = corners;
     const SuperTriangle& super = m_sweep.super;
-    if (!super.has(v1) && !super.has(v2) && !super.has(v3)) m_finished.push_back({cx, cy, v1, v2, v3});
+    if (!super.has(v1) && !super.has(v2) && !super.has(v3)) m_finished.add({cx, cy, right, v1, v2, v3});
 }
 
-// There are free blocks for so many more circles, each in a node of its own.
-LiveCircles::Filing LiveCircles::begin_filing(std::size_t circles) {
-    // A node has one block at most that is not full.
-    const std::size_t most_blocks = (m_size + circles) / block_size + m_nodes.size() + 2;
-    if (m_blocks.size() < most_blocks) {
-        const auto first = static_cast<std::uint32_t>(m_blocks.size());
-        m_blocks.resize(2 * most_blocks);
-        m_next.resize(std::max(m_next.size(), m_blocks.size()));
-        add_free_blocks(first);
+void LiveCircles::add_finished(const CircleNode& node, std::uint32_t slot) {
+    add_finished(node.cx[slot], node.cy[slot], node.corners[slot]);
+}
+
+// A node with room for one more circle, for a full one.
+std::uint32_t LiveCircles::node_beside(std::uint32_t node) {
+    if (m_more[node] == 0 || m_used[m_more[node]] == full) {
+        const auto added = static_cast<std::uint32_t>(m_used.size());
+        m_used.push_back(0);
+        m_more.push_back(m_more[node]);
+        m_more[node] = added;
+        if (m_nodes.size() <= added) m_nodes.resize(m_used.size() + m_used.size() / 4 + 1);
     }
-    return {m_blocks.data(), m_nodes.data(), m_next.data(), m_free_block};
+    return m_more[node];
 }
 
-// Blocks move between nodes and the free ones without a branch: one time in eight, at no foreseeable one.
-inline void LiveCircles::Filing::put(std::uint32_t number, float cx, float cy, float enlarged, float right,
-                                     const Corners& corners) {
-    Node& node = nodes[number];
-    const std::uint32_t lane = node.circles++ % block_size, free = free_block, after_free = next[free];
-    const bool full = lane == 0;
-    const std::uint32_t former = node.first_block, first = either(full, free, former);
-    next[free] = either(full, former, after_free);
-    free_block = either(full, after_free, free);
-    node.first_block = first;
-    Block& block = blocks[first];
-    block.cx[lane] = cx;
-    block.cy[lane] = cy;
-    block.enlarged[lane] = enlarged;
-    block.right[lane] = right;
-    block.corners[lane] = {corners.v1, corners.v2, corners.v3, number};
+inline void LiveCircles::Filing::put(std::uint32_t number, float cx, float cy, float enlarged,
+                                     __m128i corners) {
+    if (used[number] == full) [[unlikely]] {
+        number = live.node_beside(number);
+        nodes = live.m_nodes.data();
+        used = live.m_used.data();
+    }
+    const std::uint32_t slots = used[number];
+    const auto slot = static_cast<std::uint32_t>(std::countr_one(slots));
+    used[number] = slots | (slots + 1);
+    CircleNode& node = nodes[number];
+    node.cx[slot] = cx;
+    node.cy[slot] = cy;
+    node.enlarged[slot] = enlarged;
+    _mm_store_si128(reinterpret_cast<__m128i*>(&node.corners[slot]), corners);
 }
 
 void LiveCircles::file(const FanBlock* blocks, std::span<const std::uint32_t> numbers, Place third) {
-    Filing filing = begin_filing(numbers.size());
     m_size += numbers.size();
+    const __m128i all_third = _mm_set1_epi32(static_cast<int>(third));
+    Filing filing(*this);
     for (const std::uint32_t number : numbers) {
         const FanBlock& from = blocks[number / block_size];
-        const std::uint32_t i = number % block_size;
-        const auto [first, second] = from.edges[i];
-        // A circle that is not a number has nothing inside and is never passed: it stays to the end.
-        if (!(from.enlarged[i] >= 0)) {
-            add_finished(from.cx[i], from.cy[i], {first, second, third, 0});
+        const std::uint32_t lane = number % block_size;
+        // A circle that is not a number has nothing inside and is never passed: it would stay to the end.
+        if (!(from.enlarged[lane] >= 0)) [[unlikely]] {
+            const auto [first, second] = from.edges[lane];
+            add_finished(from.cx[lane], from.cy[lane], {first, second, third, from.right[lane]});
             --m_size;
             continue;
         }
-        filing.put(from.nodes[i], from.cx[i], from.cy[i], from.enlarged[i], from.right[i],
-                   {first, second, third, 0});
+        // Put together in a register: what is stored in parts is slow to load as a whole.
+        const __m128i edge = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(&from.edges[lane]));
+        const __m128i right = _mm_castps_si128(_mm_load_ss(&from.right[lane]));
+        filing.put(from.nodes[lane], from.cx[lane], from.cy[lane], from.enlarged[lane],
+                   _mm_unpacklo_epi64(edge, _mm_unpacklo_epi32(all_third, right)));
     }
-    m_free_block = filing.free_block;
 }
 
-// The circles in some lanes of a block of the slab that has ended.
-void LiveCircles::file_again(const Block& block, unsigned lanes, float from_x) {
-    Filing filing = begin_filing(block_size);
-    alignas(32) std::uint32_t nodes[block_size];
-    m_kernels.find_nodes(block, from_x, m_slab, nodes);
-    const LanesOfEight& set = lanes_of_eight.of_mask[lanes];
-    for (std::size_t n = 0; n < set.count; ++n) {
-        const std::uint32_t lane = set.lanes[n];
-        filing.put(nodes[lane], block.cx[lane], block.cy[lane], block.enlarged[lane], block.right[lane],
-                   block.corners[lane]);
+// What stayed of the slab that has ended.
+void LiveCircles::file_again(std::size_t circles, float from_x) {
+    Filing filing(*this);
+    alignas(64) std::uint32_t nodes[block_size];
+    for (std::size_t i = 0; i < circles; ++i) {
+        const KeptBlock& from = m_kept[i / block_size];
+        const std::size_t lane = i % block_size;
+        if (lane == 0) m_kernels.find_nodes(from.cx, from.cy, from.enlarged, from_x, m_slab, nodes);
+        filing.put(nodes[lane], from.cx[lane], from.cy[lane], from.enlarged[lane],
+                   _mm_load_si128(reinterpret_cast<const __m128i*>(&from.corners[lane])));
     }
-    m_size += set.count;
-    m_free_block = filing.free_block;
+    m_size = circles;
 }
 
-// One walk over the blocks of all nodes from the leaf to the root, as their numbers cannot be guessed: where
-// a node's blocks end, the next one is its parent's first. Block 0 has nothing inside.
-std::size_t LiveCircles::find_around(const Vertex& point, const Search& search) {
-    const auto [blocks, next, nodes, leaf, hits] = search;
-    const __m128 x = _mm_set1_ps(point.x), y = _mm_set1_ps(point.y);
-    std::size_t count = 0;
-    std::uint32_t node = leaf, block = nodes[node].first_block;
-    while (node != 0) {
-        const std::uint32_t first_of_parent = nodes[node / 2].first_block;
-        for (const unsigned half : {4u, 0u}) { // the high lanes first
-            const LanesOfMask& lanes = lanes_of[blocks[block].four_from(half).inside(x, y)];
-            const __m128i first = _mm_set1_epi32(static_cast<int>(block_size * block + half));
-            _mm_storeu_si128(
-                reinterpret_cast<__m128i*>(hits + count),
-                _mm_add_epi32(first, _mm_load_si128(reinterpret_cast<const __m128i*>(lanes.lanes))));
-            count += lanes.count;
+// All blocks of the nodes from the leaf to the root, but for the second where it is not in use. Both are
+// written, as nobody can guess that.
+std::size_t LiveCircles::list_blocks(float y) {
+    constexpr std::size_t most_levels = 32;
+    const std::size_t most_blocks = node_blocks * (m_used.size() - 2 * m_slab.leaves + most_levels);
+    if (m_blocks.size() < most_blocks) m_blocks.resize(2 * most_blocks);
+    const std::uint32_t *const used = m_used.data(), *const more = m_more.data();
+    std::uint32_t *const blocks = m_blocks.data(), *end = blocks;
+    for (std::uint32_t of_path = m_slab.leaf_of(y); of_path != 0; of_path /= 2)
+        for (std::uint32_t node = of_path; node != 0; node = more[node]) {
+            end[0] = node_blocks * node;
+            end[1] = node_blocks * node + 1;
+            end += 1 + (used[node] >> block_size != 0);
         }
-        const std::uint32_t following = next[block];
-        block = either(following == 0, first_of_parent, following);
-        node >>= following == 0;
-    }
-    return count;
+    return static_cast<std::size_t>(end - blocks);
 }
 
-// The same with eight circles at a time. A call from within would leave the wide registers in use, which
-// makes all that follows slow: whatever has to be called was called before.
-std::size_t LiveCircles::find_around_avx2(const Vertex& point, const Search& search) {
-    const auto [blocks, next, nodes, leaf, hits] = search;
-    const __m256 x = _mm256_set1_ps(point.x), y = _mm256_set1_ps(point.y);
-    std::size_t count = 0;
-    std::uint32_t node = leaf, block = nodes[node].first_block;
-    while (node != 0) {
-        const std::uint32_t first_of_parent = nodes[node / 2].first_block;
-        const Block& b = blocks[block];
-        const __m256 dx = _mm256_sub_ps(x, _mm256_load_ps(b.cx)), dy = _mm256_sub_ps(y, _mm256_load_ps(b.cy));
-        const __m256 squared = _mm256_add_ps(_mm256_mul_ps(dx, dx), _mm256_mul_ps(dy, dy));
-        const __m256 inside = _mm256_and_ps(_mm256_cmp_ps(_mm256_load_ps(b.enlarged), squared, _CMP_GE_OS),
-                                            _mm256_cmp_ps(x, _mm256_load_ps(b.right), _CMP_NGT_US));
-        const LanesOfEight& lanes = lanes_of_eight.of_mask[_mm256_movemask_ps(inside)];
-        const __m256i first = _mm256_set1_epi32(static_cast<int>(block_size * block));
-        _mm256_storeu_si256(reinterpret_cast<__m256i*>(hits + count),
-                            _mm256_add_epi32(first, _mm256_cvtepu8_epi32(_mm_loadl_epi64(
-                                                        reinterpret_cast<const __m128i*>(lanes.lanes)))));
-        count += lanes.count;
-        const std::uint32_t following = next[block];
-        block = either(following == 0, first_of_parent, following);
-        node >>= following == 0;
-    }
-    return count;
-}
-
-void LiveCircles::make_room_for_hits() {
-    constexpr std::size_t writable_behind = block_size;
-    if (m_hits.size() < m_size + writable_behind) m_hits.resize(2 * m_size + writable_behind);
-}
-
-void LiveCircles::take_around(const Vertex& point, Cavity& cavity) {
-    make_room_for_hits();
-    const Search search{m_blocks.data(), m_next.data(), m_nodes.data(), m_slab.leaf_of(point.y),
-                        m_hits.data()};
-    const std::size_t count = m_avx2 ? find_around_avx2(point, search) : find_around(point, search);
-    Corners* taken = cavity.append(count);
-    Block* const blocks = m_blocks.data();
-    Node* const nodes = m_nodes.data();
-    std::uint32_t* const next = m_next.data();
-    std::uint32_t free_block = m_free_block;
-    // From a node's first block on, and in each from the high lanes down: what takes a removed circle's place
-    // is not itself inside.
-    for (const std::uint32_t hit : std::span(m_hits.data(), count)) {
-        Block& to = blocks[hit / block_size];
-        const std::uint32_t lane = hit % block_size;
-        const Corners corners = to.corners[lane];
-        *taken++ = corners;
-        Node& node = nodes[corners.node];
-        const std::uint32_t first = node.first_block, last = --node.circles % block_size;
-        Block& from = blocks[first];
-        to.cx[lane] = from.cx[last];
-        to.cy[lane] = from.cy[last];
-        to.enlarged[lane] = from.enlarged[last];
-        to.right[lane] = from.right[last];
-        to.corners[lane] = from.corners[last];
-        from.enlarged[last] = nobody;
-
-        const bool empty = last == 0;
-        const std::uint32_t after = next[first];
-        next[first] = either(empty, free_block, after);
-        free_block = either(empty, first, free_block);
-        node.first_block = either(empty, after, first);
-    }
-    m_free_block = free_block;
+void LiveCircles::take_around(const Vertex& point) {
+    if (m_hits.size() < m_size + block_size) m_hits.resize(2 * m_size + block_size);
+    const std::size_t blocks = list_blocks(point.y);
+    const std::size_t count = m_kernels.take_hits(point, m_nodes.data(), m_used.data(),
+                                                  std::span(m_blocks.data(), blocks), m_hits.data());
     m_size -= count;
+    m_found.nodes = m_nodes.data();
+    m_found.slots = m_hits.data();
+    m_found.count = count;
 }
 
-unsigned LiveCircles::circles_in(const Block& block) const {
-    const auto of_four = [](const float* enlarged) {
-        return mask_of(_mm_cmpge_ps(_mm_load_ps(enlarged), _mm_setzero_ps()));
-    };
-    return of_four(block.enlarged) | of_four(block.enlarged + 4) << 4;
+// In node 0, which the tree does not have; as if their circles had no right edge.
+void LiveCircles::add_to_hits(const FanSplit& fan) {
+    static_assert(FanSplit::large <= block_size);
+    const int endless = std::bit_cast<int>(std::numeric_limits<float>::infinity());
+    const __m128i rest = _mm_setr_epi32(static_cast<int>(fan.third), endless, 0, 0);
+    for (std::uint32_t i = 0; i < fan.taken_count; ++i) {
+        const __m128i edge = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(&fan.taken[i]));
+        _mm_store_si128(reinterpret_cast<__m128i*>(&m_nodes[0].corners[i]), _mm_unpacklo_epi64(edge, rest));
+        m_hits[m_found.count++] = i;
+    }
+}
+
+void LiveCircles::move_hits_to(Cavity& cavity, float x) {
+    Corners *const begin = cavity.room_for(m_found.count), *end = begin;
+    for (const std::uint32_t hit : std::span(m_found.slots, m_found.count)) {
+        const CircleNode& node = m_nodes[hit / node_circles];
+        const Corners& corners = node.corners[hit % node_circles];
+        if (x > corners.right) [[unlikely]]
+            add_finished(node, hit % node_circles);
+        else
+            *end++ = corners;
+    }
+    cavity.added(static_cast<std::size_t>(end - begin));
 }
 
 void LiveCircles::measure_slab(Place first, std::size_t points) {
@@ -238,47 +182,42 @@ void LiveCircles::measure_slab(Place first, std::size_t points) {
     m_slab.leaves_per_unit = static_cast<float>(m_slab.leaves) / (top - bottom);
 }
 
-// Lists the circles of the slab that has ended which lie behind, as hits; how many.
-std::size_t LiveCircles::list_passed(float x) {
-    make_room_for_hits();
-    std::size_t count = 0;
-    for (std::size_t i = 0; i < m_old_blocks.size(); ++i) {
-        const Block& block = m_old_blocks[i];
-        const auto of_four = [&](unsigned half) {
-            return mask_of(_mm_cmpgt_ps(_mm_set1_ps(x), _mm_load_ps(block.right + half))) << half;
-        };
-        const LanesOfEight& lanes = lanes_of_eight.of_mask[circles_in(block) & (of_four(0) | of_four(4))];
-        list_lanes(lanes, static_cast<std::uint32_t>(block_size * i), &m_hits[count]);
-        count += lanes.count;
+// Finishes the circles that end before x and collects the others; how many.
+std::size_t LiveCircles::keep_from(float x) {
+    if (m_kept.size() * block_size < m_size) m_kept.resize(2 * m_size / block_size + 1);
+    std::size_t kept = 0;
+    for (std::size_t n = 0; n < m_used.size(); ++n) {
+        const CircleNode& node = m_nodes[n];
+        const std::uint32_t behind = slots_behind(node, m_used[n], x);
+        for (std::uint32_t slots = behind; slots; slots &= slots - 1)
+            add_finished(node, static_cast<std::uint32_t>(std::countr_zero(slots)));
+        for (std::uint32_t slots = m_used[n] & ~behind; slots; slots &= slots - 1, ++kept) {
+            const auto slot = static_cast<std::uint32_t>(std::countr_zero(slots));
+            KeptBlock& to = m_kept[kept / block_size];
+            to.cx[kept % block_size] = node.cx[slot];
+            to.cy[kept % block_size] = node.cy[slot];
+            to.enlarged[kept % block_size] = node.enlarged[slot];
+            to.corners[kept % block_size] = node.corners[slot];
+        }
     }
-    return count;
+    return kept;
 }
 
 void LiveCircles::begin_slab(Place first) {
     const float x = m_sweep.vertices[first].x;
-    m_old_blocks.swap(m_blocks);
-    const std::size_t passed = list_passed(x);
-    for (const std::uint32_t circle : std::span(m_hits.data(), passed)) {
-        Block& block = m_old_blocks[circle / block_size];
-        const std::uint32_t lane = circle % block_size;
-        add_finished(block.cx[lane], block.cy[lane], block.corners[lane]);
-        block.enlarged[lane] = nobody;
-    }
-    const std::size_t live = m_size - passed;
+    const std::size_t live = keep_from(x);
+    m_finished.write_some(x, live);
     measure_slab(first, std::max(live, shortest_slab));
     m_most_circles = 3 * live + 4 * shortest_slab;
-    m_nodes.assign(2 * m_slab.leaves, Node{});
-    clear_blocks(m_old_blocks.size());
-    m_size = 0;
-    for (const Block& block : m_old_blocks)
-        if (const unsigned lanes = circles_in(block)) file_again(block, lanes, x);
+    m_most_nodes = 2 * m_slab.leaves + 2 * m_most_circles / node_circles;
+    m_used.assign(2 * m_slab.leaves, 0);
+    m_more.assign(2 * m_slab.leaves, 0);
+    if (m_nodes.size() < m_used.size()) m_nodes.resize(m_used.size());
+    file_again(live, x);
 }
 
-std::vector<FinishedTriangle> LiveCircles::finish() {
-    for (const Block& block : m_blocks)
-        for (unsigned lanes = circles_in(block); lanes; lanes ^= 1u << highest_lane(lanes)) {
-            const unsigned lane = highest_lane(lanes);
-            add_finished(block.cx[lane], block.cy[lane], block.corners[lane]);
-        }
-    return std::move(m_finished);
+void LiveCircles::finish() {
+    for (std::size_t n = 0; n < m_used.size(); ++n)
+        for (std::uint32_t used = m_used[n]; used; used &= used - 1)
+            add_finished(m_nodes[n], static_cast<std::uint32_t>(std::countr_zero(used)));
 }

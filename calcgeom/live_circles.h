@@ -6,6 +6,9 @@
 // Intervals are kept in a tree over the slab's y range: a circle is in the smallest node that covers its
 // interval, a point looks at the nodes from its leaf to the root. When the slab ends, the circles that lie
 // behind are finished, the others are filed anew, which costs each point about one filing.
+//
+// A circle stays in its slot of a node, which has a bit in a mask while it is in use: taking circles changes
+// masks only. They go to the lowest slots that are free, so that few have to be looked at.
 #pragma once
 
 #include "calcgeom/cavity.h"
@@ -19,79 +22,64 @@
 
 class LiveCircles {
   public:
-    LiveCircles(const SweepVertices& sweep, CpuLevel level);
+    LiveCircles(const SweepVertices& sweep, CpuLevel level, ResultOrder& finished);
 
     // Whether a new slab has to begin with the point.
-    bool slab_ends_before(Place point) const { return point >= m_slab_end || m_size > m_most_circles; }
+    bool slab_ends_before(Place point) const {
+        return point >= m_slab_end || m_size > m_most_circles || m_used.size() > m_most_nodes;
+    }
     void begin_slab(Place first);
 
     const Slab& slab() const { return m_slab; }
-    // Files the triangles of that third corner with these numbers: eight times the place among `blocks`,
-    // whose nodes have been found, plus the lane.
+    // Files the triangles of that third corner with these numbers: block_size times the place among
+    // `blocks`, whose nodes have been found, plus the lane.
     void file(const FanBlock* blocks, std::span<const std::uint32_t> numbers, Place third);
-    // Moves the triangles whose circle has the point inside into the cavity.
-    void take_around(const Vertex& point, Cavity& cavity);
+    // Takes the triangles whose circle has the point inside, as hits, which can be read until others are
+    // filed.
+    void take_around(const Vertex& point);
+    // Adds those of a fan that is not large.
+    void add_to_hits(const FanSplit& fan);
+    const Hits& hits() const { return m_found; }
+    // Moves them all into the cavity, but for those whose circle ends before x: they are finished.
+    void move_hits_to(Cavity& cavity, float x);
 
-    std::size_t size() const { return m_size; }
-    // Ends the sweep: the triangles that no point can change any more, without those of the super triangle.
-    std::vector<FinishedTriangle> finish();
+    // Ends the sweep: no point can change any triangle any more.
+    void finish();
 
   private:
-    struct Block : EightCircles {
-        Corners corners[block_size];
-
-        Circles four_from(unsigned lane) const {
-            return {_mm_load_ps(cx + lane), _mm_load_ps(cy + lane), _mm_load_ps(right + lane),
-                    _mm_load_ps(enlarged + lane)};
-        }
-    };
-    // Only the first block of a node has free lanes, the high ones.
-    struct Node {
-        std::uint32_t first_block, circles;
-    };
     // What filing has at hand, and changes without looking at any other member.
     struct Filing {
-        Block* blocks;
-        Node* nodes;
-        std::uint32_t* next;
-        std::uint32_t free_block;
+        LiveCircles& live;
+        CircleNode* nodes = live.m_nodes.data();
+        std::uint32_t* used = live.m_used.data();
 
-        void put(std::uint32_t node, float cx, float cy, float enlarged, float right, const Corners& corners);
+        explicit Filing(LiveCircles& circles) : live(circles) {}
+        void put(std::uint32_t node, float cx, float cy, float enlarged, __m128i corners);
     };
-
-    Filing begin_filing(std::size_t circles);
-    void file_again(const Block& block, unsigned lanes, float from_x);
-
-    // Where to look for circles, and where to list them.
-    struct Search {
-        const Block* blocks;
-        const std::uint32_t* next;
-        const Node* nodes;
-        std::uint32_t leaf;
-        std::uint32_t* hits;
+    struct KeptBlock : CircleLanes<block_size> {
+        Corners corners[block_size];
     };
-    static std::size_t find_around(const Vertex& point, const Search& search);
-    __attribute__((target("avx2"))) static std::size_t find_around_avx2(const Vertex& point,
-                                                                        const Search& search);
-    void make_room_for_hits();
-    std::size_t list_passed(float x);
-
-    void clear_blocks(std::size_t count);
-    void add_free_blocks(std::uint32_t first);
-    unsigned circles_in(const Block& block) const;
+    std::uint32_t node_beside(std::uint32_t full);
+    std::size_t keep_from(float x);
+    void file_again(std::size_t circles, float from_x);
+    std::size_t list_blocks(float y);
     void measure_slab(Place first, std::size_t points);
     void add_finished(float cx, float cy, const Corners& corners);
+    void add_finished(const CircleNode& node, std::uint32_t slot);
 
     const SweepVertices& m_sweep;
-    const bool m_avx2;
     const CircleKernels& m_kernels;
-    std::vector<FinishedTriangle> m_finished;
-    std::vector<Block> m_blocks, m_old_blocks; // the first is not used
-    std::vector<std::uint32_t> m_next; // of a block: the next in its node, or of the free blocks; 0 is none
-    std::uint32_t m_free_block = 0;
-    std::vector<std::uint32_t> m_hits; // circles found: eight times the block plus the lane
-    std::vector<Node> m_nodes;         // 1 is the root, the children of i are 2 i and 2 i + 1
-    std::size_t m_size = 0, m_most_circles = 0;
+    ResultOrder& m_finished; // without those of the super triangle
+    // 1 is the root, the children of i are 2 i and 2 i + 1; behind the leaves are the nodes that had to be
+    // added, each to a full one.
+    std::vector<CircleNode> m_nodes;
+    std::vector<std::uint32_t> m_used;   // the slots of each node
+    std::vector<std::uint32_t> m_more;   // the node that was added last to this one; 0 is none
+    std::vector<std::uint32_t> m_blocks; // to be searched: node_blocks times the node plus the block
+    std::vector<std::uint32_t> m_hits;   // circles found: node_circles times the node plus the slot
+    Hits m_found;
+    std::vector<KeptBlock> m_kept; // from one slab to the next
+    std::size_t m_size = 0, m_most_circles = 0, m_most_nodes = 0;
     Place m_slab_end = 0;
     Slab m_slab;
 };

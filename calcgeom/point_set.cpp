@@ -31,20 +31,15 @@ void sort_by_x_then_y(std::span<Vertex> unsorted, std::span<Vertex> points) {
 
 } // namespace
 
-std::vector<Vertex> point_set(const float* coordinates, std::size_t count) {
-    // Whatever depends on the count alone is allocated before the first point is read.
-    std::vector<Vertex> unsorted(count), points;
-    points.reserve(count + 3); // for who adds a triangle around them
-    points.resize(count);
+void point_set(const float* coordinates, std::size_t count, Vertex* spare, std::vector<Vertex>& points) {
+    points.resize(count); // before the first point is read
     std::size_t kept = 0;
     for (std::size_t i = 0; i < count; ++i) {
-        unsorted[kept] = {coordinates[2 * i], coordinates[2 * i + 1]};
-        kept += !std::isnan(unsorted[kept].x) && !std::isnan(unsorted[kept].y);
+        spare[kept] = {coordinates[2 * i], coordinates[2 * i + 1]};
+        kept += !std::isnan(spare[kept].x) && !std::isnan(spare[kept].y);
     }
-    unsorted.resize(kept);
     points.resize(kept);
-    sort_by_x_then_y(unsorted, points);
+    sort_by_x_then_y(std::span(spare, kept), points);
     const auto equal = [](const Vertex& a, const Vertex& b) { return a.x == b.x && a.y == b.y; };
     points.erase(std::unique(points.begin(), points.end(), equal), points.end());
-    return points;
 }

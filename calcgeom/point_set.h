@@ -12,5 +12,5 @@ inline bool comes_before(const Vertex& a, const Vertex& b) {
 }
 
 // `count` pairs x, y, as the distinct points among them by ascending x, then y. Of equal points (0 equals -0)
-// the first is kept; points with a coordinate that is not a number are left out.
-std::vector<Vertex> point_set(const float* coordinates, std::size_t count);
+// the first is kept; points with a coordinate that is not a number are left out. `spare` is room for `count`.
+void point_set(const float* coordinates, std::size_t count, Vertex* spare, std::vector<Vertex>& points);

@@ -1,119 +1,139 @@
 #include "calcgeom/result_order.h"
 
+#include "calcgeom/point_set.h"
 #include "calcgeom/radix_sort.h"
 
 #include <algorithm>
-#include <cstddef>
+#include <cstring>
+#include <new>
 #include <tuple>
+#include <utility>
 
 namespace {
 
-struct Ranked {
-    std::uint32_t key;   // float_key of a coordinate of the centre
-    std::uint32_t index; // into the triangles
-};
-using Run = std::span<Ranked>::iterator;
+constexpr std::size_t floats = TriangleArray::floats;
 
-// The point at which the sweep finishes the triangle: the first after its last vertex that lies beyond its
-// circle, or the end. Points beyond are the tail of the order; no point is beyond what is not a number.
-Place finishing_point(const FinishedTriangle& t, float right, const SweepVertices& sweep) {
-    const auto& vertices = sweep.vertices;
-    const auto beyond = std::partition_point(vertices.begin() + static_cast<std::ptrdiff_t>(t.v3) + 1,
-                                             vertices.end(), [&](const Vertex& p) { return !(p.x > right); });
-    auto place = static_cast<Place>(beyond - vertices.begin());
-    while (sweep.super.has(place))
-        ++place; // the corners are no points of the sweep
-    return place;
-}
-
-// Whether the sweep finishes s before t: by the finishing points, which need not be looked for where the
-// right edges are the same, as then the earlier triangle is not finished later. Triangles finished by the
-// same point were passed in the order of their creation: by creating point, then in the order of the edges
-// around it.
-bool finished_before(const FinishedTriangle& s, const FinishedTriangle& t, const SweepVertices& sweep) {
-    // Calculated again: only triangles of equal centres need their circles' right edges.
-    const auto gathered = [&](Place of_s, Place of_t) {
-        const Vertex &p = sweep.vertices[of_s], &q = sweep.vertices[of_t];
-        return Vertices{_mm_setr_ps(p.x, q.x, p.x, q.x), _mm_setr_ps(p.y, q.y, p.y, q.y)};
-    };
-    alignas(16) float right[4];
-    _mm_store_ps(right,
-                 circumcircles(gathered(s.v1, t.v1), gathered(s.v2, t.v2), gathered(s.v3, t.v3)).right);
-    const auto [right_of_s, right_of_t, again_s, again_t] = right;
-    if (right_of_s != right_of_t) {
-        const Place end_of_s = finishing_point(s, right_of_s, sweep);
-        const Place end_of_t = finishing_point(t, right_of_t, sweep);
-        if (end_of_s != end_of_t) return end_of_s < end_of_t;
-    }
-    return std::tie(s.v3, s.v1, s.v2) < std::tie(t.v3, t.v1, t.v2);
-}
-
-// Calls `sort_run(begin, end)` for every run of at least two elements that are `alike`.
-template <class Alike, class SortRun>
-void for_runs(Run begin, Run end, Alike alike, SortRun sort_run) {
-    while (begin != end) {
-        Run next = begin + 1;
-        while (next != end && alike(*begin, *next))
-            ++next;
-        if (next - begin > 1) sort_run(begin, next);
-        begin = next;
-    }
-}
-
-// What comes out is in `ranked`.
-void rank(std::span<const FinishedTriangle> triangles, const SweepVertices& sweep, std::span<Ranked> ranked,
-          std::span<Ranked> spare) {
-    const auto by_key = [](const Ranked& r) { return r.key; };
-    const auto equal_keys = [](const Ranked& a, const Ranked& b) { return a.key == b.key; };
-    const auto key_of_y = [&](const Ranked& r) { return float_key(triangles[r.index].cy); };
-    for (std::uint32_t i = 0; i < ranked.size(); ++i)
-        spare[i] = {float_key(triangles[i].cx), i};
-    radix_sort(spare, ranked, by_key);
-
-    std::size_t tied = 0;
-    for (std::size_t i = 1; i < ranked.size(); ++i)
-        tied += ranked[i].key == ranked[i - 1].key;
-    if (tied > ranked.size() / 16) { // columns of centres
-        for (Ranked& r : ranked)
-            r.key = key_of_y(r);
-        radix_sort(ranked, spare, by_key);
-        for (Ranked& r : spare)
-            r.key = float_key(triangles[r.index].cx);
-        radix_sort(spare, ranked, by_key);
-    }
-    const auto by_y = [&](const Ranked& a, const Ranked& b) { return key_of_y(a) < key_of_y(b); };
-    const auto equal_y = [&](const Ranked& a, const Ranked& b) { return key_of_y(a) == key_of_y(b); };
-    for_runs(ranked.begin(), ranked.end(), equal_keys, [&](Run begin, Run end) {
-        if (!std::is_sorted(begin, end, by_y)) std::sort(begin, end, by_y);
-        for_runs(begin, end, equal_y, [&](Run b, Run e) {
-            std::sort(b, e, [&](const Ranked& r, const Ranked& s) {
-                return finished_before(triangles[r.index], triangles[s.index], sweep);
-            });
-        });
-    });
+// Whether the late triangle belongs before one of the written ones, of which only the coordinates are left.
+// Not where the centres are equal: the sweep had finished the written one by then, and finishes the late one
+// at the same point at best, having made it later.
+bool belongs_before(const FinishedTriangle& late, const float* written) {
+    Vertex v[3];
+    std::memcpy(v, written, sizeof v);
+    const Vertices corners[3] = {splat(v[0]), splat(v[1]), splat(v[2])};
+    const Circles circle = circumcircles(corners[0], corners[1], corners[2]);
+    return std::tuple(float_key(late.cx), float_key(late.cy)) <
+           std::tuple(float_key(_mm_cvtss_f32(circle.cx)), float_key(_mm_cvtss_f32(circle.cy)));
 }
 
 } // namespace
 
-std::unique_ptr<float[]> in_result_order(std::span<const FinishedTriangle> triangles,
-                                         const SweepVertices& sweep) {
-    // New memory is slow, and the array is large enough to sort in: the ranks end in its last third, where no
-    // triangle is written over one that is still to come.
-    constexpr std::size_t floats = 6;
-    static_assert(3 * sizeof(Ranked) == floats * sizeof(float));
-    const std::size_t count = triangles.size();
-    auto array = std::make_unique_for_overwrite<float[]>(floats * count);
-    auto* const first_third = reinterpret_cast<Ranked*>(array.get());
-    const std::span ranked(first_third + 2 * count, count);
-    rank(triangles, sweep, ranked, std::span(first_third, count));
-    float* out = array.get();
-    for (std::size_t i = 0; i < count; ++i) {
-        const FinishedTriangle& triangle = triangles[ranked[i].index];
-        for (const Place place : {triangle.v1, triangle.v2, triangle.v3}) {
-            const Vertex vertex = sweep.vertices[place];
-            *out++ = vertex.x;
-            *out++ = vertex.y;
-        }
+ResultOrder::ResultOrder(const SweepVertices& sweep, TriangleRoom room, std::size_t window)
+    : m_sweep(sweep), m_order(sweep), m_window(window), m_next_write(window), m_room(std::move(room)) {
+    m_waiting.reserve(window + window / 4);
+}
+
+TriangleRoom::TriangleRoom(std::size_t count) {
+    constexpr std::size_t most = std::numeric_limits<std::size_t>::max() / sizeof(float) / floats;
+    if (count <= most) array.reset(new (std::nothrow) float[floats * count]);
+    if (array) triangles = count;
+}
+
+void ResultOrder::make_room(std::size_t more) {
+    if (m_room.array && m_count + more <= m_room.triangles) return;
+    TriangleRoom larger(std::max(m_count + more, m_room.triangles + m_room.triangles / 2));
+    if (!larger.array) throw std::bad_alloc();
+    move_to(std::move(larger));
+}
+
+void ResultOrder::move_to(TriangleRoom room) {
+    std::copy_n(m_room.array.get(), floats * m_count, room.array.get());
+    m_room = std::move(room);
+}
+
+inline void ResultOrder::write(const FinishedTriangle& triangle, float* to) const {
+    for (const Place place : {triangle.v1, triangle.v2, triangle.v3}) {
+        const Vertex vertex = m_sweep.vertices[place];
+        *to++ = vertex.x;
+        *to++ = vertex.y;
     }
-    return array;
+}
+
+// Of the waiting ones.
+void ResultOrder::append(std::span<const FinishedOrder::Ranked> order) {
+    make_room(order.size());
+    float* to = m_room.array.get() + floats * m_count;
+    for (const auto& ranked : order) {
+        write(m_waiting[ranked.index], to);
+        to += floats;
+    }
+    m_count += order.size();
+}
+
+void ResultOrder::write_some(float x, std::size_t live) {
+    if (m_waiting.size() < m_next_write) return;
+    // The first of the vertices is mostly a corner, the second the leftmost point.
+    const float from = m_count > 0 ? m_written_to : m_sweep.vertices[1].x;
+    // Where circles are large against the points' extent along x, nearly all would come late.
+    const auto is_left = [&](const FinishedTriangle& t) { return t.cx < from; };
+    if (std::ranges::count_if(m_waiting, is_left) > static_cast<std::ptrdiff_t>(m_waiting.size() / 8)) {
+        m_next_write = 2 * m_waiting.size();
+        return;
+    }
+    const auto [leftmost, others] = m_order.rank_leftmost(m_waiting, from, x, m_waiting.size() / 4 * 3);
+    if (!leftmost.empty()) {
+        append(leftmost);
+        m_written_to = m_waiting[leftmost.back().index].cx;
+        m_rest.clear();
+        for (const auto& ranked : others)
+            m_rest.push_back(m_waiting[ranked.index]);
+        m_rest.swap(m_waiting);
+    }
+    // Where circles are large here and there, as between clusters, more have to wait.
+    constexpr std::size_t many = 32, most_patience = 64;
+    if (m_late.size() > m_count / many) m_patience = std::min(2 * m_patience, most_patience);
+    m_next_write = std::max({m_window, m_patience * live, 2 * m_waiting.size()});
+}
+
+// From the last one on, each before the first of the written triangles that it belongs before: looked for in
+// steps that double, as there may be many late ones, and then in the last of these steps by halves.
+void ResultOrder::merge_late() {
+    make_room(m_late.size());
+    const auto order = m_order.rank(m_late);
+    float* const array = m_room.array.get();
+    std::size_t end = m_count;
+    for (std::size_t i = order.size(); i-- > 0;) {
+        const FinishedTriangle& late = m_late[order[i].index];
+        std::size_t place = end, behind = end;
+        for (std::size_t step = 1; place > 0; step *= 2) {
+            place -= std::min(step, place);
+            if (!belongs_before(late, array + floats * place)) {
+                ++place;
+                break;
+            }
+            behind = place;
+        }
+        while (place < behind) {
+            const std::size_t middle = place + (behind - place) / 2;
+            if (belongs_before(late, array + floats * middle))
+                behind = middle;
+            else
+                place = middle + 1;
+        }
+        std::copy_backward(array + floats * place, array + floats * end, array + floats * (end + i + 1));
+        write(late, array + floats * (place + i));
+        end = place;
+    }
+    m_count += m_late.size();
+}
+
+TriangleArray ResultOrder::finish() {
+    m_rest = {};
+    append(m_order.rank(m_waiting));
+    merge_late();
+    // Most points may be on a line. What is too large is better than nothing, though.
+    if (m_count < m_room.triangles / 2) {
+        TriangleRoom exact(m_count);
+        if (exact.array) move_to(std::move(exact));
+    }
+    return {std::move(m_room.array), m_count};
 }

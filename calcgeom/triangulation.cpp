@@ -20,9 +20,9 @@ extern "C" int BVUTIL_CALL Triangulieren(unsigned int pointCount, const float* p
     *triangleCount = 0;
     if (pointCount > most_points) return 0;
     return calculated(0, [&] {
-        const Triangulation triangulation = triangulate(points, pointCount);
-        *triangles = in_result_order(triangulation.triangles, triangulation.sweep).release();
-        *triangleCount = static_cast<unsigned int>(triangulation.triangles.size());
+        TriangleArray result = triangulate(points, pointCount);
+        *triangles = result.coordinates.release();
+        *triangleCount = static_cast<unsigned int>(result.count);
         return 1;
     });
 }

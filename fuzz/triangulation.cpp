@@ -1,5 +1,6 @@
 // Any floats as points: the triangles are those of the plain reference, bit by bit.
 #include "bvutil/triangulation.h"
+#include "calcgeom/delaunay.h"
 #include "fuzz/require.h"
 #include "tests/calcgeom/triangulation_reference.h"
 
@@ -42,5 +43,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     require(wanted.size() == std::size_t{6} * count);
     require(wanted.empty() || std::memcmp(wanted.data(), triangles, wanted.size() * sizeof(float)) == 0);
     FreeTriangs(&triangles);
+    // With every kernel, and with triangles written while the sweep goes on.
+    for (const CpuLevel level : {CpuLevel::sse2, CpuLevel::avx2, CpuLevel::avx512}) {
+        if (level > cpu_level()) continue;
+        const TriangleArray array = triangulate(points.data(), point_count, level, 1);
+        require(wanted.size() == TriangleArray::floats * array.count);
+        require(wanted.empty() ||
+                std::memcmp(wanted.data(), array.coordinates.get(), wanted.size() * sizeof(float)) == 0);
+    }
     return 0;
 }

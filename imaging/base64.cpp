@@ -16,6 +16,7 @@ void encode_group(const std::uint8_t* from, char* to) {
 
 std::size_t encode_vectors(std::span<const std::uint8_t> bytes, char* out, CpuLevel level) {
     switch (level) {
+    case CpuLevel::avx512:
     case CpuLevel::avx2:
         return base64_encode_avx2(bytes.data(), bytes.size(), out);
     case CpuLevel::ssse3:

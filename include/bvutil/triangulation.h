@@ -28,9 +28,10 @@ BVUTIL_BEGIN_C
  *  - The third vertex of a triangle is the one that the sweep reached last; the first two are in the order of
  *    the sweep. Nothing is said about the sense of rotation.
  *
- *  Time grows with little more than the number of points; memory is some 150 bytes for each point. Not where
- *  most points lie on one circle or parabola: there the enlarged circles hold so many of them that the method
- *  makes far more triangles, in time that is quadratic or worse.
+ *  Time grows with little more than the number of points; memory is some 70 bytes for each point, most of
+ *  them the result, and up to 250 where most circles are in use at once. Not where most points lie on one
+ *  circle or parabola or on few lines: there the enlarged circles hold so many of them that the method makes
+ *  far more triangles, in time that is quadratic or worse.
  *
  *  @param pointCount     Number of points. Fewer than three different points give no triangles.
  *  @param points         x and y of each point, @p pointCount pairs back to back. Not changed. Points with a

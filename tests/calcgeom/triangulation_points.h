@@ -90,6 +90,18 @@ inline Coordinates lattice(std::size_t count, Random& random, int values) {
     return c;
 }
 
+// So large against their distances, of a few last digits, that the margins around them are rounded away.
+inline Coordinates last_digits(std::size_t count, Random& random) {
+    const float signs = random() % 2 ? -1.0f : 1.0f;
+    const int exponents[2] = {20 + static_cast<int>(random() % 50), 20 + static_cast<int>(random() % 50)};
+    Coordinates c;
+    for (std::size_t i = 0; i < 2 * count; ++i) {
+        const auto digits = static_cast<float>((1 << 24) - 3 + static_cast<int>(random() % 6));
+        c.push_back(std::ldexp(signs * digits, exponents[i % 2]));
+    }
+    return c;
+}
+
 inline Coordinates changed(Coordinates c, float factor, float shift_x, float shift_y) {
     for (std::size_t i = 0; i < c.size(); ++i)
         c[i] = c[i] * factor + (i % 2 ? shift_y : shift_x);

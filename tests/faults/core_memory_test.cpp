@@ -171,6 +171,16 @@ TEST(TriangulationMemory, FailsWithNothingLost) {
         EXPECT_EQ(triangles != nullptr, done);
         FreeTriangs(&triangles);
     });
+    const float on_a_line[] = {1, 1, 2, 2, 3, 3, 4, 4};
+    fail_each_allocation([&](Fault& fault) {
+        float* triangles = nullptr;
+        unsigned count = 99;
+        const bool done =
+            fault.succeeds(1, 0, [&] { return Triangulieren(4, on_a_line, &triangles, &count); });
+        EXPECT_EQ(count, 0u);
+        EXPECT_EQ(triangles != nullptr, done);
+        FreeTriangs(&triangles);
+    });
 }
 
 } // namespace
