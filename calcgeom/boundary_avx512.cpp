@@ -1,6 +1,5 @@
 #include "calcgeom/boundary_kernels.h"
 
-#include <array>
 #include <bit>
 #include <cstdint>
 #include <immintrin.h>

@@ -5,7 +5,6 @@
 #include "calcgeom/point_set.h"
 
 #include <array>
-#include <span>
 #include <utility>
 
 namespace {

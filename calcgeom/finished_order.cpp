@@ -3,7 +3,6 @@
 #include "calcgeom/radix_sort.h"
 
 #include <algorithm>
-#include <cmath>
 #include <tuple>
 #include <utility>
 

@@ -1,6 +1,6 @@
 #include "calcgeom/result_order.h"
 
-#include "calcgeom/point_set.h"
+#include "calcgeom/circumcircle.h"
 #include "calcgeom/radix_sort.h"
 
 #include <algorithm>
@@ -75,7 +75,8 @@ void ResultOrder::write_some(float x, std::size_t live) {
     const float from = m_count > 0 ? m_written_to : m_sweep.vertices[1].x;
     // Where circles are large against the points' extent along x, nearly all would come late.
     const auto is_left = [&](const FinishedTriangle& t) { return t.cx < from; };
-    if (std::ranges::count_if(m_waiting, is_left) > static_cast<std::ptrdiff_t>(m_waiting.size() / 8)) {
+    if (m_count == 0 &&
+        std::ranges::count_if(m_waiting, is_left) > static_cast<std::ptrdiff_t>(m_waiting.size() / 8)) {
         m_next_write = 2 * m_waiting.size();
         return;
     }
